@@ -1,0 +1,13 @@
+# Libraries this project stands on. Each is used inside source files only, so that a program which
+# links the installed engine needs none of their headers.
+
+find_package(fmt REQUIRED)
+find_package(nlohmann_json 3.11 REQUIRED)
+find_package(Eigen3 3.4 REQUIRED NO_MODULE)
+find_package(Boost 1.74 REQUIRED)
+if(QORVA_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(QORVA_BUILD_BENCHMARKS)
+  find_package(benchmark REQUIRED)
+endif()

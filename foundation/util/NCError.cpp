@@ -1,0 +1,3 @@
+#include "foundation/util/NCError.h"
+
+NCError::~NCError() = default;

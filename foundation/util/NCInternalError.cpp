@@ -1,0 +1,3 @@
+#include "foundation/util/NCInternalError.h"
+
+NCInternalError::~NCInternalError() = default;

@@ -1,0 +1,3 @@
+#include "foundation/utl/ConfigurationSection.h"
+
+ConfigurationSection::~ConfigurationSection() = default;
