@@ -1,0 +1,81 @@
+#include "host/BuildCommand.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <random>
+
+#include "foundation/utl/QvFile.h"
+#include "host/HostError.h"
+#include "host/Interrupt.h"
+#include "host/Notes.h"
+#include "host/Project.h"
+#include "host/StudyFile.h"
+
+namespace {
+
+bool IsSameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error) ||
+           std::filesystem::absolute(a, error).lexically_normal() ==
+               std::filesystem::absolute(b, error).lexically_normal();
+}
+
+// Writing over the study, or both results into one file, would lose what the user has.
+void RequireDifferentFiles(const BuildArguments& arguments) {
+    for (const auto& [option, path] :
+         {std::pair{"-o", &arguments.output}, std::pair{"--project", &arguments.project}}) {
+        if (!path->empty() && IsSameFile(*path, arguments.study)) {
+            FailWith(
+                fmt::format("{}: {} is the study itself; choose another file.", option, *path));
+        }
+    }
+    if (!arguments.output.empty() && !arguments.project.empty() &&
+        IsSameFile(arguments.output, arguments.project)) {
+        FailWith(fmt::format("--project: {} is the worksheet's file, too; choose another file.",
+                             arguments.project));
+    }
+}
+
+Project MakeProject(Study&& study, const BuildArguments& arguments, BuiltDesign& built) {
+    Project project;
+    project.builder = built.builder;
+    project.options = built.options;
+    project.matrix = *built.design->GetDesignMatrix();
+    project.form = {built.design->IsDesignMatrixCoded(),
+                    built.design->IsMixtureOnlyDesign(),
+                    static_cast<int>(built.options.GetBlocks())};
+    project.seed = arguments.seed ? *arguments.seed : std::random_device{}();
+    project.runOrder =
+        MakeRunOrder(DecodeRuns(project.matrix, study.factors, project.form), project.seed);
+    project.study = std::move(study);
+    return project;
+}
+
+}  // namespace
+
+void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& err) {
+    RequireDifferentFiles(arguments);
+    Study study = ReadStudyFile(arguments.study);
+    PrintNotes(study, err);
+    BuiltDesign built = MakeDesign(study, arguments.request);
+    const Project project = MakeProject(Study(study), arguments, built);
+    const std::string csv =
+        ToCsv(MakeWorksheetTable(project.Runs(), project.study.factors, arguments.coded));
+    Interrupt::ThrowIfRequested();
+    if (!arguments.project.empty()) {
+        SaveProject(project, *built.design, arguments.project);
+    }
+    if (arguments.output.empty()) {
+        out << csv << std::flush;
+        if (!out) {
+            FailWith("The output cannot be written.");
+        }
+    } else {
+        QvFile::ReplaceAll(arguments.output, csv);
+    }
+    err << fmt::format("{}: {} runs, seed {}\n",
+                       built.builder->GetDisplayName(),
+                       project.matrix.SizeRows(),
+                       project.seed);
+}

@@ -1,0 +1,142 @@
+// The only file that knows the command line library, which is slow to compile.
+
+#include "host/Cli.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <functional>
+#include <new>
+
+#include "foundation/utl/Exceptions.h"
+#include "host/BuildCommand.h"
+#include "host/HostError.h"
+#include "host/ProposeCommand.h"
+#include "host/ShowCommand.h"
+
+namespace {
+
+constexpr const char* cFooter =
+    "Exit codes: 0 done, 1 no valid design, 2 bad input or usage, 130 stopped by Ctrl-C.";
+
+// The options of all commands. Declaring them fills the argument records; the command that was
+// named is left in `run`.
+class CommandLine {
+  public:
+    CommandLine(std::ostream& out, std::ostream& err)
+        : app_("Designs of experiments from a study file: proposes, builds and keeps designs.",
+               "ncdoe"),
+          out_(out),
+          err_(err) {
+        app_.set_version_flag("--version", "ncdoe " NCDOE_VERSION);
+        app_.require_subcommand(1);
+        app_.footer(cFooter);
+        AddPropose();
+        AddBuild();
+        AddShow();
+    }
+
+    // Returns 0 when the user asked for help or version, in which case there is nothing to run.
+    int Parse(std::vector<std::string> arguments) {
+        // The library takes them from the back.
+        std::reverse(arguments.begin(), arguments.end());
+        try {
+            app_.parse(std::move(arguments));
+        } catch (const CLI::ParseError& error) {
+            run_ = nullptr;
+            return app_.exit(error, out_, err_) == 0 ? ExitCode::cDone : ExitCode::cBadInput;
+        }
+        return ExitCode::cDone;
+    }
+
+    void Run() {
+        if (run_) {
+            run_();
+        }
+    }
+
+  private:
+    void AddPropose() {
+        CLI::App* command = app_.add_subcommand("propose", "List the valid designs of a study");
+        command->footer(cFooter);
+        command->add_option("STUDY", propose_.study, "Study file (JSON)")->required();
+        command->add_flag("--json", propose_.json, "Print JSON instead of a table");
+        command->callback([this] { run_ = [this] { RunPropose(propose_, out_, err_); }; });
+    }
+
+    void AddBuild() {
+        CLI::App* command =
+            app_.add_subcommand("build", "Build a design and write its worksheet as CSV");
+        command->footer(cFooter);
+        DesignRequest& request = build_.request;
+        command->add_option("STUDY", build_.study, "Study file (JSON)")->required();
+        command->add_option(
+            "--design",
+            request.design,
+            "Short or display name; default: the study's, else the strongest proposal");
+        command->add_option("--model", request.model, "Regression model, such as interaction");
+        command->add_option("--runs", request.runs, "Runs without centre points and replicates");
+        command->add_option("--blocks", request.blocks, "Number of blocks");
+        command->add_option("--center-points", request.centerPoints, "Number of centre points");
+        command->add_option("--replicates", request.replicates, "Further copies of the design");
+        command->add_option("--replicated-runs", request.replicatedRuns, "Runs to repeat");
+        command->add_option("--seed", build_.seed, "Seed of the run order; default: drawn");
+        command->add_flag("--coded", build_.coded, "Write coded values instead of real ones");
+        command->add_option("-o,--output", build_.output, "Worksheet file; default: the output");
+        command->add_option("--project", build_.project, "File to save study and design in");
+        command->callback([this] { run_ = [this] { RunBuild(build_, out_, err_); }; });
+    }
+
+    void AddShow() {
+        CLI::App* command = app_.add_subcommand("show", "Print a saved project");
+        command->footer(cFooter);
+        command->add_option("PROJECT", show_.project, "Project file")->required();
+        command->add_flag("--coded", show_.coded, "Print coded values instead of real ones");
+        command->callback([this] { run_ = [this] { RunShow(show_, out_); }; });
+    }
+
+    CLI::App app_;
+    std::ostream& out_;
+    std::ostream& err_;
+    ProposeArguments propose_;
+    BuildArguments build_;
+    ShowArguments show_;
+    std::function<void()> run_;
+};
+
+int Run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+    CommandLine commandLine(out, err);
+    const int parsed = commandLine.Parse(arguments);
+    if (parsed != ExitCode::cDone) {
+        return parsed;
+    }
+    commandLine.Run();
+    out.flush();
+    if (!out) {
+        FailWith("The output cannot be written.");
+    }
+    return ExitCode::cDone;
+}
+
+}  // namespace
+
+int RunCommandLine(const std::vector<std::string>& arguments,
+                   std::ostream& out,
+                   std::ostream& err) {
+    try {
+        return Run(arguments, out, err);
+    } catch (const NoValidDesign& reason) {
+        err << reason.what() << '\n';
+        return ExitCode::cNoValidDesign;
+    } catch (const CancelException&) {
+        err << "Stopped.\n";
+        return ExitCode::cStopped;
+    } catch (const Exception& exception) {
+        err << exception.what() << '\n';
+    } catch (const std::bad_alloc&) {
+        err << "Internal error: not enough memory.\n";
+    } catch (const std::exception& exception) {
+        err << "Internal error: " << exception.what() << '\n';
+    }
+    return ExitCode::cBadInput;
+}

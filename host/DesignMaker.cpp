@@ -1,0 +1,249 @@
+#include "host/DesignMaker.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "host/HostError.h"
+#include "host/JsonPlace.h"
+#include "host/Proposals.h"
+
+namespace {
+
+// A count that the user gave, and where.
+struct Given {
+    std::string place;  // "--runs" or "study.json: options.runs"
+    long long count = 0;
+};
+
+std::optional<Given> GivenCount(const std::optional<long long>& requested,
+                                std::string_view option,
+                                const Study& study,
+                                std::string_view member) {
+    if (requested) {
+        if (*requested < 0 || *requested > StudyLimits::cMaxRuns) {
+            FailWith(fmt::format("{}: {} must be a whole number from 0 to {}.",
+                                 option,
+                                 *requested,
+                                 StudyLimits::cMaxRuns));
+        }
+        return Given{std::string(option), *requested};
+    }
+    if (study.options.has_child(member)) {
+        return Given{fmt::format("{}: options.{}", study.file, member),
+                     study.options.get_child(member).get_integer()};
+    }
+    return std::nullopt;
+}
+
+unsigned int CountOf(const Given& given) {
+    return static_cast<unsigned int>(given.count);
+}
+
+BuilderHandle NamedBuilder(const std::string& name) {
+    BuilderHandle builder = FindBuilder(name);
+    if (!builder) {
+        FailWith(fmt::format("--design: {} is no design; known are {}.",
+                             Quoted(name),
+                             ListOf(AllDesignNames(), "and")));
+    }
+    return builder;
+}
+
+BuilderHandle StrongestBuilder(const Study& study, const Conditions& conditions) {
+    std::vector<Proposal> proposals = Propose(conditions);
+    if (proposals.empty()) {
+        ThrowNoValidDesign(fmt::format("{}: no design is valid for this study.", study.file),
+                           conditions,
+                           AllDesigns::ClassicDesigns().GetAllDesigns());
+    }
+    return proposals.front().builder;
+}
+
+// The study's members over those of the family, for a family that has options of its own.
+json_value SpecificOptions(const DesignOptions& options,
+                           const DesignBuilder& builder,
+                           const JsonPlace& place) {
+    const json_value all = options.ToJson();
+    const bool has = all.has_child("designSpecificOptions") &&
+                     all.get_child("designSpecificOptions").is_object();
+    if (!has) {
+        place.Fail(fmt::format("the design {} has no options of its own.",
+                               Quoted(builder.GetShortString())));
+    }
+    json_value merged = all.get_child("designSpecificOptions");
+    std::vector<std::string_view> known;
+    for (unsigned long long i = 0; i < merged.get_length(); ++i) {
+        known.push_back(all.get_child("designSpecificOptions").get_child_name(i));
+    }
+    place.RequireMembers(known);
+    for (unsigned long long i = 0; i < place.Value().get_length(); ++i) {
+        merged.put_child(place.Value().get_child_name(i)) = place.Value().get_child(i);
+    }
+    return merged;
+}
+
+// Reads the study's options over the family's defaults. The family's own options and generators
+// are touched only where the study names them, since nothing else needs their JSON form.
+void OverlayStudyOptions(DesignOptions& options, const DesignBuilder& builder, const Study& study) {
+    json_value root = json_value::make_object();
+    root.put_child("options") = study.options;
+    const JsonPlace place = JsonPlace(root, study.file).Member("options");
+    json_value overlaid = json_value::make_object();
+    const json_value defaults = options.ToJson();
+    for (unsigned long long i = 0; i < defaults.get_length(); ++i) {
+        const std::string& name = defaults.get_child_name(i);
+        if (name != "designSpecificOptions" && name != "generators") {
+            overlaid.put_child(name) = defaults.get_child(i);
+        }
+    }
+    for (unsigned long long i = 0; i < study.options.get_length(); ++i) {
+        const std::string& name = study.options.get_child_name(i);
+        // Centre points are set already; whether the other two are legal depends on all the rest,
+        // so they are set last.
+        if (name == "centerPoints" || name == "runs" || name == "blocks") {
+            continue;
+        }
+        overlaid.put_child(name) = name == "designSpecificOptions"
+                                       ? SpecificOptions(options, builder, place.Member(name))
+                                       : study.options.get_child(i);
+    }
+    try {
+        options.FromJson(overlaid);
+    } catch (const Exception& exception) {
+        place.Fail(exception.what());
+    } catch (const InvalidOperationException& exception) {
+        // A member of the family's own options is of another kind than the family reads.
+        place.Fail(exception.what());
+    }
+}
+
+template <class Count>
+void RequireLegal(const Given& given,
+                  const std::vector<Count>& legal,
+                  const DesignBuilder& builder,
+                  std::string_view what) {
+    const std::vector<long long> counts(legal.begin(), legal.end());
+    if (std::find(counts.begin(), counts.end(), given.count) == counts.end()) {
+        FailWith(fmt::format("{}: {} cannot have {} {}; allowed: {}.",
+                             given.place,
+                             builder.GetShortString(),
+                             given.count,
+                             what,
+                             counts.empty() ? "none" : CountsText(counts)));
+    }
+}
+
+void RequireCenterPoints(const Given& given, const DesignBuilder& builder) {
+    if (given.count > 0 && !builder.IsCenterPointsAllowed()) {
+        FailWith(fmt::format(
+            "{}: {} takes no centre points; allowed: 0.", given.place, builder.GetShortString()));
+    }
+    if (given.count < static_cast<long long>(builder.GetMinimumCenterPoints())) {
+        FailWith(fmt::format("{}: {} needs centre points; allowed: {} or more.",
+                             given.place,
+                             builder.GetShortString(),
+                             builder.GetMinimumCenterPoints()));
+    }
+}
+
+void SetCounts(DesignOptions& options,
+               const DesignBuilder& builder,
+               const Study& study,
+               const DesignRequest& request) {
+    const Factors& factors = study.factors;
+    if (const auto given =
+            GivenCount(request.centerPoints, "--center-points", study, "centerPoints")) {
+        RequireCenterPoints(*given, builder);
+        options.SetCenterPoints(CountOf(*given));
+    }
+    if (const auto given =
+            GivenCount(request.replicates, "--replicates", study, "replicatedDesigns")) {
+        options.SetReplicates(CountOf(*given));
+    }
+    if (const auto given =
+            GivenCount(request.replicatedRuns, "--replicated-runs", study, "replicatedRuns")) {
+        options.SetReplicatedRuns(CountOf(*given));
+    }
+    if (const auto given = GivenCount(request.runs, "--runs", study, "runs")) {
+        RequireLegal(*given, builder.GetLegalRuns(factors, options), builder, "runs");
+        options.SetRuns(CountOf(*given));
+    }
+    if (const auto given = GivenCount(request.blocks, "--blocks", study, "blocks")) {
+        RequireLegal(*given, builder.GetLegalBlocks(factors, options, false), builder, "blocks");
+        options.SetBlocks(CountOf(*given));
+    }
+}
+
+void RequireTotal(const DesignOptions& options, const Study& study) {
+    const auto wide = [](unsigned int count) { return static_cast<unsigned long long>(count); };
+    const unsigned long long once = wide(options.GetRuns()) + options.GetCenterPoints();
+    if (options.GetMaxRuns() != DesignOptions::cNoRunLimit && once > options.GetMaxRuns()) {
+        FailWith(
+            fmt::format("{}: options.maxRuns: {} runs and {} centre points exceed the run "
+                        "limit of {}.",
+                        study.file,
+                        options.GetRuns(),
+                        options.GetCenterPoints(),
+                        options.GetMaxRuns()));
+    }
+    const unsigned long long total =
+        (once + options.GetReplicatedRuns()) * (wide(options.GetReplicates()) + 1);
+    if (total > static_cast<unsigned long long>(StudyLimits::cMaxRuns)) {
+        FailWith(
+            fmt::format("{}: the design would have {} runs with its centre points and "
+                        "replicates; allowed are {}.",
+                        study.file,
+                        total,
+                        StudyLimits::cMaxRuns));
+    }
+}
+
+Conditions RequestedConditions(const Study& study, const DesignRequest& request) {
+    Conditions conditions = ConditionsOf(study);
+    if (!request.model.empty()) {
+        conditions.model = EModel::GetType(request.model);
+        if (*conditions.model == EModel::None) {
+            FailWith(
+                fmt::format("--model: {} is no model; allowed are linear, interaction, "
+                            "quadratic, special cubic, cubic and linear+quadratic.",
+                            Quoted(request.model)));
+        }
+    }
+    if (request.centerPoints && *request.centerPoints >= 0 &&
+        *request.centerPoints <= StudyLimits::cMaxRuns) {
+        conditions.centerPoints = static_cast<unsigned int>(*request.centerPoints);
+    }
+    return conditions;
+}
+
+BuilderHandle ChooseBuilder(const Study& study,
+                            const DesignRequest& request,
+                            const Conditions& conditions) {
+    const std::string& name = request.design.empty() ? study.design : request.design;
+    return name.empty() ? StrongestBuilder(study, conditions) : NamedBuilder(name);
+}
+
+}  // namespace
+
+BuiltDesign MakeDesign(const Study& study, const DesignRequest& request) {
+    const Conditions conditions = RequestedConditions(study, request);
+    BuiltDesign built;
+    built.builder = ChooseBuilder(study, request, conditions);
+    const DesignBuilder& builder = *built.builder;
+    built.options = MakeOptions(builder, conditions);
+    OverlayStudyOptions(built.options, builder, study);
+    const std::string refusal = fmt::format(
+        "{}: the design {} is not valid for this study.", study.file, builder.GetShortString());
+    if (!KeepsRunLimit(built.options) ||
+        !builder.IsValid(study.factors, built.options, false, false)) {
+        ThrowNoValidDesign(refusal, conditions, {built.builder});
+    }
+    SetCounts(built.options, builder, study, request);
+    RequireTotal(built.options, study);
+    built.design = builder.Build(study.factors, built.options);
+    if (!built.design || !built.design->GetDesignMatrix()) {
+        ThrowNoValidDesign(refusal, conditions, {built.builder});
+    }
+    return built;
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/DesignNames.h"
+#include "host/Study.h"
+
+/// What a user may ask for beside the study; what is given wins over the study.
+struct DesignRequest {
+    std::string design;  // short or display name; empty: the study's, or the strongest proposal
+    std::string model;   // as in the study; empty: the study's
+    std::optional<long long> runs;
+    std::optional<long long> blocks;
+    std::optional<long long> centerPoints;
+    std::optional<long long> replicates;
+    std::optional<long long> replicatedRuns;
+};
+
+/// A built design. It borrows the study's factors.
+struct BuiltDesign {
+    BuilderHandle builder;
+    DesignOptions options;
+    std::unique_ptr<NCDesign> design;
+};
+
+/// Builds the design that study and request ask for.
+/// @throws NoValidDesign saying which condition stands in the way; Exception for a count that the
+///         family does not allow, naming those it does; what the engine throws while it generates
+[[nodiscard]] BuiltDesign MakeDesign(const Study& study, const DesignRequest& request);

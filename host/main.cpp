@@ -1,0 +1,20 @@
+#include <unistd.h>
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/util/NCProgress.h"
+#include "host/Cli.h"
+#include "host/Interrupt.h"
+#include "host/ProgressBar.h"
+
+int main(int argc, char** argv) {
+    Interrupt::Install();
+    NCProgress::SetDisplay(std::make_shared<ProgressBar>(
+        std::cerr, ::isatty(STDERR_FILENO) == 1, Interrupt::IsRequested));
+    const int code = RunCommandLine({argv + 1, argv + argc}, std::cout, std::cerr);
+    NCProgress::SetDisplay(nullptr);
+    return code;
+}
