@@ -30,4 +30,13 @@ namespace FamilyRules {
     return model == EModel::Linear || model == EModel::Interaction;
 }
 
+/// What the composite designs ask for: a quadratic model of quantitative factors for a response
+/// surface, without constraints.
+[[nodiscard]] inline bool IsQuantitativeResponseSurface(const Factors& factors,
+                                                        const DesignOptions& options) {
+    return IsFillerFree(factors) && !HasConstraints(options) &&
+           IsResponseSurface(options.GetObjective()) && options.GetModel() == EModel::Quadratic &&
+           factors.IsProcessOnly() && factors.IsAllQuantitative();
+}
+
 }  // namespace FamilyRules

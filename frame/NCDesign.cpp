@@ -23,18 +23,6 @@ bool IsLevelType(CEType::EType type) {
     return type == CEType::Multilevel || type == CEType::Qualitative;
 }
 
-void RequireFinishedSize(int coreRuns, const DesignOptions& options) {
-    const long long once =
-        static_cast<long long>(coreRuns) + options.GetReplicatedRuns() + options.GetCenterPoints();
-    const long long copies = static_cast<long long>(options.GetReplicates()) + 1;
-    if (once > 0 && copies > NCDesign::cMaxFinishedRuns / once) {
-        throw Exception(ExceptionMessage::translate(
-                            "The design would have {1} runs in each of {2} copies. It may have at "
-                            "most {3} runs in all.")
-                        << once << copies << NCDesign::cMaxFinishedRuns);
-    }
-}
-
 // The settings that one column of a full factorial cycles through; empty when the column stays
 // blank.
 std::vector<float> ColumnSettings(const Factors& factors, int factor, bool threeLevels) {
@@ -149,6 +137,18 @@ void NCDesign::AddReplicates(unsigned int count) {
     }
 }
 
+void NCDesign::RequireFinishedSize(int coreRuns, const DesignOptions& options) {
+    const long long once =
+        static_cast<long long>(coreRuns) + options.GetReplicatedRuns() + options.GetCenterPoints();
+    const long long copies = static_cast<long long>(options.GetReplicates()) + 1;
+    if (once > 0 && copies > cMaxFinishedRuns / once) {
+        throw Exception(ExceptionMessage::translate(
+                            "The design would have {1} runs in each of {2} copies. It may have at "
+                            "most {3} runs in all.")
+                        << once << copies << cMaxFinishedRuns);
+    }
+}
+
 void NCDesign::SetDesignMatrixAddAndAdjust(const NCDataMatrix<float>& table,
                                            const Factors& factors,
                                            const DesignOptions& options) {
@@ -160,9 +160,7 @@ void NCDesign::SetDesignMatrixAddAndAdjust(const NCDataMatrix<float>& table,
     if (factors.GetMultilevelCount() > 0) {
         AdjustMultilevelFactors(factors);
     }
-    AddReplicatedRuns(factors, options);
-    AddCenterPoints(static_cast<int>(options.GetCenterPoints()), factors, options);
-    AddReplicates(options.GetReplicates());
+    AddRuns(factors, options);
 }
 
 NCDataMatrix<float> NCDesign::MakeFFDesignTable(const Factors& factors,
@@ -299,12 +297,26 @@ void NCDesign::AdjustMultilevelFactors(const Factors& factors) {
     }
 }
 
+void NCDesign::SetDesignMatrixAndAdd(const NCDataMatrix<float>& table,
+                                     const Factors& factors,
+                                     const DesignOptions& options) {
+    RequireFinishedSize(table.SizeRows(), options);
+    SetDesignMatrix(table);
+    AddRuns(factors, options);
+}
+
 void NCDesign::AddReplicatedRuns(const Factors& factors, const DesignOptions& options) {
     if (matrix_ && options.GetReplicatedRuns() > 0) {
         NCDataMatrix<float> matrix = *matrix_;
         AddReplicatedRuns(matrix, factors, options);
         SetDesignMatrix(matrix);
     }
+}
+
+void NCDesign::AddRuns(const Factors& factors, const DesignOptions& options) {
+    AddReplicatedRuns(factors, options);
+    AddCenterPoints(static_cast<int>(options.GetCenterPoints()), factors, options);
+    AddReplicates(options.GetReplicates());
 }
 
 NCDataMatrix<float>& NCDesign::DetachedMatrix() {

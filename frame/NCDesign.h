@@ -85,6 +85,10 @@ class QORVA_EXPORT NCDesign {
                                    const DesignOptions& options);
 
   protected:
+    /// For families that finish their matrix themselves, to be asked before anything grows.
+    /// @throws Exception when a design of so many core runs would, with the options' replicated
+    ///         runs, centre points and replicates, have more than cMaxFinishedRuns runs
+    static void RequireFinishedSize(int coreRuns, const DesignOptions& options);
     /// A table [runs x factors] through GetDesignCoding.
     [[nodiscard]] NCDataMatrix<float> MakeLDesignTable(const Factors& factors, int runs) const;
     /// Appends the star runs of a central composite design: a pair at -distance and +distance on
@@ -96,6 +100,11 @@ class QORVA_EXPORT NCDesign {
     void AdjustQualitativeFactors(const Factors& factors);
     /// The same for Multilevel factors with 2 or 3 levels.
     void AdjustMultilevelFactors(const Factors& factors);
+    /// The same road for a table that holds its letter codes already: nothing is recoded.
+    /// @throws Exception when the finished design would have more than cMaxFinishedRuns runs
+    void SetDesignMatrixAndAdd(const NCDataMatrix<float>& table,
+                               const Factors& factors,
+                               const DesignOptions& options);
     /// Appends the options' replicated runs to the own matrix, if there is one.
     void AddReplicatedRuns(const Factors& factors, const DesignOptions& options);
     /// Appends exactly as many rows as the options ask for, each a copy of an existing row.
@@ -104,6 +113,8 @@ class QORVA_EXPORT NCDesign {
                            const DesignOptions& options) const;
 
   private:
+    /// The end of both roads: replicated runs, centre points and replicates.
+    void AddRuns(const Factors& factors, const DesignOptions& options);
     /// The matrix for a change in place, detached from clones that share it.
     [[nodiscard]] NCDataMatrix<float>& DetachedMatrix();
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -39,7 +40,7 @@ inline void AddOneRow(std::span<double> sums, double factor, const double* row) 
 /// `rows` holds four rows one after the other. They are added from the first to the last, each sum
 /// rounded after each of them, exactly as four single passes would.
 inline void AddFourRows(std::span<double> sums,
-                        const double (&factors)[cInnerStep],
+                        const std::array<double, cInnerStep>& factors,
                         const double* rows) {
     const std::size_t columns = sums.size();
     double* const target = sums.data();
@@ -77,7 +78,7 @@ void SumRowBlock(const LeftFactor<T>& left,
         std::copy(rows, rows + cInnerStep * columns, wideRows.begin());
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t row = first + i;
-            const double factors[cInnerStep] = {
+            const std::array<double, cInnerStep> factors{
                 left.At(row, k), left.At(row, k + 1), left.At(row, k + 2), left.At(row, k + 3)};
             AddFourRows(sums.subspan(i * columns, columns), factors, wideRows.data());
         }

@@ -44,21 +44,21 @@ std::string NumberText(Number value) {
     return {buffer.data(), result.ptr};
 }
 
-/// The number n of a placeholder "{n}" at the front of `text` and the placeholder's length; length
+/// The number n of a slot "{n}" at the front of `text` and the slot's length; length
 /// 0 when there is none.
-struct Placeholder {
+struct Slot {
     std::size_t number = 0;
     std::size_t length = 0;
 };
 
-Placeholder ReadPlaceholder(std::string_view text) {
-    Placeholder placeholder;
+Slot ReadSlot(std::string_view text) {
+    Slot slot;
     const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data() + 1, end, placeholder.number);
+    const auto [rest, error] = std::from_chars(text.data() + 1, end, slot.number);
     if (error == std::errc() && rest != end && *rest == '}') {
-        placeholder.length = static_cast<std::size_t>(rest - text.data()) + 1;
+        slot.length = static_cast<std::size_t>(rest - text.data()) + 1;
     }
-    return placeholder;
+    return slot;
 }
 
 }  // namespace
@@ -112,7 +112,7 @@ std::string ExceptionMessage::GetText() const {
         if (rest.empty()) {
             break;
         }
-        const auto [number, length] = ReadPlaceholder(rest);
+        const auto [number, length] = ReadSlot(rest);
         if (length > 0 && number >= 1 && number <= arguments_.size()) {
             text += arguments_[number - 1];
             rest.remove_prefix(length);

@@ -11,7 +11,7 @@
 /// streaming values into it.
 class QORVA_EXPORT ExceptionMessage {
   public:
-    /// Gives the translation of an English template, placeholders included.
+    /// Gives the translation of an English template, slots included.
     using Translator = std::function<std::string(std::string_view)>;
 
     /// Makes a message from an English template, passed through the installed translator.
@@ -41,8 +41,8 @@ class QORVA_EXPORT ExceptionMessage {
     ExceptionMessage& operator<<(float value);
     ExceptionMessage& operator<<(double value);
 
-    /// The message with its arguments in place. A placeholder without an argument stays as it is;
-    /// an argument without a placeholder is not shown; arguments are never expanded themselves.
+    /// The message with its arguments in place. A slot without an argument stays as it is;
+    /// an argument without a slot is not shown; arguments are never expanded themselves.
     [[nodiscard]] std::string GetText() const;
 
   private:

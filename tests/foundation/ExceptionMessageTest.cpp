@@ -27,16 +27,16 @@ class Translation {
 
 }  // namespace
 
-TEST(ExceptionMessage, ArgumentsFillPlaceholdersByNumber) {
+TEST(ExceptionMessage, ArgumentsFillSlotsByNumber) {
     const auto message = ExceptionMessage::translate("{2} before {1}") << "a" << std::string("b");
     EXPECT_EQ(message.GetText(), "b before a");
 }
 
-TEST(ExceptionMessage, RepeatedPlaceholderIsFilledEachTime) {
+TEST(ExceptionMessage, RepeatedSlotIsFilledEachTime) {
     EXPECT_EQ((ExceptionMessage::translate("{1}{1}, {1}") << 7).GetText(), "77, 7");
 }
 
-TEST(ExceptionMessage, TenthPlaceholderIsNotTheFirst) {
+TEST(ExceptionMessage, TenthSlotIsNotTheFirst) {
     auto message = ExceptionMessage::translate("{10}/{1}");
     for (int i = 1; i <= 10; ++i) {
         message << i;
@@ -51,11 +51,11 @@ TEST(ExceptionMessage, ArgumentsAreNotExpanded) {
               "{2} {1}");
 }
 
-TEST(ExceptionMessage, PlaceholderWithoutArgumentStays) {
+TEST(ExceptionMessage, SlotWithoutArgumentStays) {
     EXPECT_EQ((ExceptionMessage::translate("{1} {2} {0}") << "a").GetText(), "a {2} {0}");
 }
 
-TEST(ExceptionMessage, ArgumentWithoutPlaceholderIsNotShown) {
+TEST(ExceptionMessage, ArgumentWithoutSlotIsNotShown) {
     EXPECT_EQ((ExceptionMessage::translate("{1}") << "a"
                                                   << "b")
                   .GetText(),
@@ -78,7 +78,7 @@ TEST(ExceptionMessage, OtherBracesStay) {
     }
 }
 
-TEST(ExceptionMessage, BraceInFrontOfPlaceholderStays) {
+TEST(ExceptionMessage, BraceInFrontOfSlotStays) {
     EXPECT_EQ((ExceptionMessage::translate("{{1}}") << "a").GetText(), "{a}");
 }
 

@@ -135,7 +135,7 @@ TEST(ReplicatedRuns, ShuffledFallbackWrapsAroundInItsOwnOrder) {
 
 TEST(ReplicatedRuns, FallbackShufflesUnlessResultsMustRepeat) {
     const TestFactors factors = TestFactors().Quantitatives(1);
-    // Ten shuffles of 20 runs that all begin with run 1 have odds of 20^-10.
+    // Ten shuffles of 20 runs all begin with the same run with a chance of 20^-9.
     std::set<float> first;
     for (int i = 0; i < 10; ++i) {
         first.insert(Repeated(factors, OneFactor(20), 1)(21, 1));
