@@ -25,6 +25,7 @@
 #include "designs/rsm/RCCC.h"
 #include "designs/rsm/RCCF.h"
 #include "designs/rsm/Rechtschaffner.h"
+#include "evaluation/AliasStructure.h"
 #include "foundation/mat/NCDataMatrix.h"
 #include "foundation/mat/TransformStruct.h"
 #include "foundation/util/ConfigurationStore.h"

@@ -29,3 +29,4 @@ endfunction()
 
 add_subdirectory(frame)
 add_subdirectory(designs)
+add_subdirectory(evaluation)

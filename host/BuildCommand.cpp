@@ -45,6 +45,7 @@ Project MakeProject(Study&& study, const BuildArguments& arguments, BuiltDesign&
     project.form = {built.design->IsDesignMatrixCoded(),
                     built.design->IsMixtureOnlyDesign(),
                     static_cast<int>(built.options.GetBlocks())};
+    project.isFoldedOver = built.isFoldedOver;
     project.seed = arguments.seed ? *arguments.seed : std::random_device{}();
     project.runOrder =
         MakeRunOrder(DecodeRuns(project.matrix, study.factors, project.form), project.seed);

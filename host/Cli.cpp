@@ -9,6 +9,7 @@
 #include <new>
 
 #include "foundation/utl/Exceptions.h"
+#include "host/AliasesCommand.h"
 #include "host/BuildCommand.h"
 #include "host/HostError.h"
 #include "host/ProposeCommand.h"
@@ -34,6 +35,7 @@ class CommandLine {
         AddPropose();
         AddBuild();
         AddShow();
+        AddAliases();
     }
 
     // Returns 0 when the user asked for help or version, in which case there is nothing to run.
@@ -70,13 +72,7 @@ class CommandLine {
         command->footer(cFooter);
         DesignRequest& request = build_.request;
         command->add_option("STUDY", build_.study, "Study file (JSON)")->required();
-        command->add_option(
-            "--design",
-            request.design,
-            "Short or display name; default: the study's, else the strongest proposal");
-        command->add_option("--model", request.model, "Regression model, such as interaction");
-        command->add_option("--runs", request.runs, "Runs without centre points and replicates");
-        command->add_option("--blocks", request.blocks, "Number of blocks");
+        AddDesignOptions(*command, request);
         command->add_option("--center-points", request.centerPoints, "Number of centre points");
         command->add_option("--replicates", request.replicates, "Further copies of the design");
         command->add_option("--replicated-runs", request.replicatedRuns, "Runs to repeat");
@@ -87,6 +83,21 @@ class CommandLine {
         command->callback([this] { run_ = [this] { RunBuild(build_, out_, err_); }; });
     }
 
+    // What tells one design of a study from another.
+    static void AddDesignOptions(CLI::App& command, DesignRequest& request) {
+        command.add_option(
+            "--design",
+            request.design,
+            "Short or display name; default: the study's, else the strongest proposal");
+        command.add_option("--model", request.model, "Regression model, such as interaction");
+        command.add_option("--runs", request.runs, "Runs without centre points and replicates");
+        command.add_option("--blocks", request.blocks, "Number of blocks");
+        command.add_option("--generators",
+                           request.generators,
+                           "Words such as E=ABCD,Block1=ABC, or a JSON array of words");
+        command.add_flag("--fold-over", request.foldOver, "Append the mirror image of the runs");
+    }
+
     void AddShow() {
         CLI::App* command = app_.add_subcommand("show", "Print a saved project");
         command->footer(cFooter);
@@ -95,12 +106,23 @@ class CommandLine {
         command->callback([this] { run_ = [this] { RunShow(show_, out_); }; });
     }
 
+    void AddAliases() {
+        CLI::App* command = app_.add_subcommand(
+            "aliases", "Print which effects of a two-level design cannot be told apart");
+        command->footer(cFooter);
+        command->add_option("STUDY", aliases_.study, "Study file (JSON)")->required();
+        AddDesignOptions(*command, aliases_.request);
+        command->add_flag("--json", aliases_.json, "Print JSON instead of text");
+        command->callback([this] { run_ = [this] { RunAliases(aliases_, out_, err_); }; });
+    }
+
     CLI::App app_;
     std::ostream& out_;
     std::ostream& err_;
     ProposeArguments propose_;
     BuildArguments build_;
     ShowArguments show_;
+    AliasesArguments aliases_;
     std::function<void()> run_;
 };
 

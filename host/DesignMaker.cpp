@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/GeneratorText.h"
 #include "host/HostError.h"
 #include "host/JsonPlace.h"
 #include "host/Proposals.h"
@@ -83,8 +84,8 @@ json_value SpecificOptions(const DesignOptions& options,
     return merged;
 }
 
-// Reads the study's options over the family's defaults. The family's own options and generators
-// are touched only where the study names them, since nothing else needs their JSON form.
+// Reads the study's options over the family's defaults. The family's own options are touched only
+// where the study names them, since nothing else needs their JSON form.
 void OverlayStudyOptions(DesignOptions& options, const DesignBuilder& builder, const Study& study) {
     json_value root = json_value::make_object();
     root.put_child("options") = study.options;
@@ -99,9 +100,9 @@ void OverlayStudyOptions(DesignOptions& options, const DesignBuilder& builder, c
     }
     for (unsigned long long i = 0; i < study.options.get_length(); ++i) {
         const std::string& name = study.options.get_child_name(i);
-        // Centre points are set already; whether the other two are legal depends on all the rest,
-        // so they are set last.
-        if (name == "centerPoints" || name == "runs" || name == "blocks") {
+        // Centre points are set already; whether the others are legal depends on all the rest, so
+        // they are set last.
+        if (name == "centerPoints" || name == "runs" || name == "blocks" || name == "generators") {
             continue;
         }
         overlaid.put_child(name) = name == "designSpecificOptions"
@@ -147,11 +148,85 @@ void RequireCenterPoints(const Given& given, const DesignBuilder& builder) {
     }
 }
 
+// Generators that the user gave, and where.
+struct GivenGenerators {
+    std::string place;
+    Generators generators;
+};
+
+std::optional<GivenGenerators> ReadGenerators(const Study& study, const DesignRequest& request) {
+    const int factorCount = static_cast<int>(study.factors.GetDesignFactorCount());
+    if (request.generators) {
+        const std::string place = "--generators";
+        return GivenGenerators{place, GeneratorText::Read(*request.generators, factorCount, place)};
+    }
+    if (!study.options.has_child("generators")) {
+        return std::nullopt;
+    }
+    const json_value& value = study.options.get_child("generators");
+    const std::string place = study.file + ": options.generators";
+    return GivenGenerators{place,
+                           value.is_string()
+                               ? GeneratorText::Read(value.get_string(), factorCount, place)
+                               : GeneratorText::FromJson(value, place)};
+}
+
+void RequireGeneratorsTaken(const std::optional<GivenGenerators>& given,
+                            const DesignBuilder& builder) {
+    if (!given || GeneratorText::TakesGenerators(builder)) {
+        return;
+    }
+    std::vector<std::string> takers;
+    for (const BuilderHandle& other : AllDesigns::AllPossibleDesigns().GetAllDesigns()) {
+        if (GeneratorText::TakesGenerators(*other)) {
+            takers.push_back(other->GetShortString());
+        }
+    }
+    FailWith(fmt::format("{}: the design {} takes no generators; those that do are {}.",
+                         given->place,
+                         builder.GetShortString(),
+                         ListOf(takers, "and")));
+}
+
+// Runs and blocks that the generators make unless the user says otherwise.
+std::optional<Given> CountOrGenerated(std::optional<Given> count,
+                                      const std::optional<GivenGenerators>& generators,
+                                      long long generated) {
+    return count || !generators ? std::move(count) : Given{generators->place, generated};
+}
+
+void SetRunsAndBlocks(DesignOptions& options,
+                      const DesignBuilder& builder,
+                      const Study& study,
+                      const DesignRequest& request) {
+    const Factors& factors = study.factors;
+    const std::optional<GivenGenerators> generators = ReadGenerators(study, request);
+    RequireGeneratorsTaken(generators, builder);
+    const long long generatedRuns =
+        generators ? GeneratorText::RunsOf(generators->generators, builder, factors) : 0;
+    const long long generatedBlocks =
+        generators ? GeneratorText::BlocksOf(generators->generators, builder, factors) : 0;
+    if (const auto given = CountOrGenerated(
+            GivenCount(request.runs, "--runs", study, "runs"), generators, generatedRuns)) {
+        RequireLegal(*given, builder.GetLegalRuns(factors, options), builder, "runs");
+        options.SetRuns(CountOf(*given));
+    }
+    if (const auto given = CountOrGenerated(
+            GivenCount(request.blocks, "--blocks", study, "blocks"), generators, generatedBlocks)) {
+        RequireLegal(*given, builder.GetLegalBlocks(factors, options, false), builder, "blocks");
+        options.SetBlocks(CountOf(*given));
+    }
+    if (generators) {
+        GeneratorText::RequireFit(
+            generators->generators, builder, factors, options, generators->place);
+        options.SetGenerators(&generators->generators);
+    }
+}
+
 void SetCounts(DesignOptions& options,
                const DesignBuilder& builder,
                const Study& study,
                const DesignRequest& request) {
-    const Factors& factors = study.factors;
     if (const auto given =
             GivenCount(request.centerPoints, "--center-points", study, "centerPoints")) {
         RequireCenterPoints(*given, builder);
@@ -165,14 +240,48 @@ void SetCounts(DesignOptions& options,
             GivenCount(request.replicatedRuns, "--replicated-runs", study, "replicatedRuns")) {
         options.SetReplicatedRuns(CountOf(*given));
     }
-    if (const auto given = GivenCount(request.runs, "--runs", study, "runs")) {
-        RequireLegal(*given, builder.GetLegalRuns(factors, options), builder, "runs");
-        options.SetRuns(CountOf(*given));
+    SetRunsAndBlocks(options, builder, study, request);
+}
+
+// Mirror images are made of the plain runs, so nothing may stand among them.
+void RequireFoldable(const PB* design, const BuiltDesign& built, const Study& study) {
+    const auto refuse = [&](const std::string& reason) {
+        FailWith(fmt::format("--fold-over: {}.", reason));
+    };
+    if (design == nullptr) {
+        refuse(fmt::format("the design {} cannot be folded over; PB and PB_SS can",
+                           built.builder->GetShortString()));
     }
-    if (const auto given = GivenCount(request.blocks, "--blocks", study, "blocks")) {
-        RequireLegal(*given, builder.GetLegalBlocks(factors, options, false), builder, "blocks");
-        options.SetBlocks(CountOf(*given));
+    for (const StudyFactor& factor : study.factors.All()) {
+        if (factor.type == CEType::Multilevel || factor.type == CEType::Qualitative) {
+            refuse(
+                fmt::format("the factor {} has levels, whose order cannot be reversed; only "
+                            "designs of continuous factors can be folded over",
+                            Quoted(factor.name)));
+        }
     }
+    if (built.options.GetBlocks() > 1) {
+        refuse("a design in blocks cannot be folded over");
+    }
+    if (built.options.GetReplicates() > 0 || built.options.GetReplicatedRuns() > 0) {
+        refuse("a design with replicates or replicated runs cannot be folded over");
+    }
+    const long long runs = 2LL * built.options.GetRuns() + built.options.GetCenterPoints();
+    if (built.options.GetMaxRuns() != DesignOptions::cNoRunLimit &&
+        runs > static_cast<long long>(built.options.GetMaxRuns())) {
+        refuse(
+            fmt::format("{} runs with the mirror image and the centre points exceed the run limit "
+                        "of {}",
+                        runs,
+                        built.options.GetMaxRuns()));
+    }
+}
+
+void FoldOver(BuiltDesign& built, const Study& study) {
+    PB* const design = dynamic_cast<PB*>(built.design.get());
+    RequireFoldable(design, built, study);
+    design->FoldOver(0, study.factors, built.options);
+    built.isFoldedOver = true;
 }
 
 void RequireTotal(const DesignOptions& options, const Study& study) {
@@ -217,6 +326,22 @@ Conditions RequestedConditions(const Study& study, const DesignRequest& request)
     return conditions;
 }
 
+// The engine says what failed but not for which design.
+std::unique_ptr<NCDesign> Build(const BuiltDesign& built, const Study& study) {
+    try {
+        return built.builder->Build(study.factors, built.options);
+    } catch (const Exception& exception) {
+        const unsigned int blocks = built.options.GetBlocks();
+        FailWith(fmt::format("{}: the design {} cannot be built for {} factors and {} runs{}: {}",
+                             study.file,
+                             built.builder->GetShortString(),
+                             study.factors.GetDesignFactorCount(),
+                             built.options.GetRuns(),
+                             blocks > 1 ? fmt::format(" in {} blocks", blocks) : "",
+                             Trimmed(exception.what())));
+    }
+}
+
 BuilderHandle ChooseBuilder(const Study& study,
                             const DesignRequest& request,
                             const Conditions& conditions) {
@@ -235,15 +360,18 @@ BuiltDesign MakeDesign(const Study& study, const DesignRequest& request) {
     OverlayStudyOptions(built.options, builder, study);
     const std::string refusal = fmt::format(
         "{}: the design {} is not valid for this study.", study.file, builder.GetShortString());
-    if (!KeepsRunLimit(built.options) ||
+    if (!KeepsRunLimit(built.options) || !KeepsConstraints(builder, conditions) ||
         !builder.IsValid(study.factors, built.options, false, false)) {
         ThrowNoValidDesign(refusal, conditions, {built.builder});
     }
     SetCounts(built.options, builder, study, request);
     RequireTotal(built.options, study);
-    built.design = builder.Build(study.factors, built.options);
+    built.design = Build(built, study);
     if (!built.design || !built.design->GetDesignMatrix()) {
         ThrowNoValidDesign(refusal, conditions, {built.builder});
+    }
+    if (request.foldOver) {
+        FoldOver(built, study);
     }
     return built;
 }

@@ -16,6 +16,8 @@ struct DesignRequest {
     std::optional<long long> centerPoints;
     std::optional<long long> replicates;
     std::optional<long long> replicatedRuns;
+    std::optional<std::string> generators;  // as GeneratorText reads them; without: the study's
+    bool foldOver = false;                  // append the mirror image of the runs
 };
 
 /// A built design. It borrows the study's factors.
@@ -23,9 +25,11 @@ struct BuiltDesign {
     BuilderHandle builder;
     DesignOptions options;
     std::unique_ptr<NCDesign> design;
+    bool isFoldedOver = false;  // the mirror image of the runs stands behind them
 };
 
 /// Builds the design that study and request ask for.
 /// @throws NoValidDesign saying which condition stands in the way; Exception for a count that the
-///         family does not allow, naming those it does; what the engine throws while it generates
+///         family does not allow, naming those it does, for generators that do not fit and for a
+///         design that cannot be folded over; what the engine throws while it generates
 [[nodiscard]] BuiltDesign MakeDesign(const Study& study, const DesignRequest& request);

@@ -2,8 +2,9 @@
 
 #include "QORVAncdoe.h"
 
-/// The first factors of others, or all of them and some quantitative ones more: for the question
-/// what would be valid with another factor count. The others are borrowed.
+/// The first factors of others, or all of them and some more, which are formulation factors where
+/// all are and quantitative otherwise: for the question what would be valid with another factor
+/// count. The others are borrowed.
 class FactorCountView : public Factors {
   public:
     FactorCountView(const Factors& factors, unsigned int count)
@@ -11,10 +12,12 @@ class FactorCountView : public Factors {
 
     unsigned int GetDesignFactorCount() const override { return count_; }
     CEType::EType GetFactorType(int factor) const override {
-        return IsOwn(factor) ? CEType::Quantitative : factors_->GetFactorType(factor);
+        return !IsOwn(factor)              ? factors_->GetFactorType(factor)
+               : factors_->IsMixtureOnly() ? CEType::Formulation
+                                           : CEType::Quantitative;
     }
     std::vector<float> GetFactorSettings(int factor) const override {
-        return IsOwn(factor) ? std::vector<float>{-1, 1} : factors_->GetFactorSettings(factor);
+        return IsOwn(factor) ? std::vector<float>{0, 1} : factors_->GetFactorSettings(factor);
     }
     unsigned int GetLevelCount(int factor) const override {
         return IsOwn(factor) ? 0 : factors_->GetLevelCount(factor);

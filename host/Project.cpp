@@ -77,6 +77,7 @@ void SaveWorksheet(const Project& project, ConfigurationSection& root) {
     section->WriteBool("Coded", project.form.coded);
     section->WriteBool("Pseudo", project.form.pseudo);
     section->WriteInt("Blocks", project.form.blocks);
+    section->WriteBool("FoldedOver", project.isFoldedOver);
     // As text, since the store's whole numbers have a sign.
     section->WriteKey("Seed", fmt::format("{}", project.seed));
     section->WriteIntVector("RunOrder", project.runOrder);
@@ -119,6 +120,7 @@ void LoadWorksheet(Project& project, const ConfigurationSection& root, const std
     project.form.coded = worksheet.Bool("Coded");
     project.form.pseudo = worksheet.Bool("Pseudo");
     project.form.blocks = worksheet.Int("Blocks");
+    project.isFoldedOver = worksheet.Bool("FoldedOver");
     if (project.form.blocks < 1 || project.form.blocks > StudyLimits::cMaxRuns) {
         FailWith(fmt::format("{}: the block count {} must be from 1 to {}.",
                              path,

@@ -19,6 +19,7 @@ struct Project {
     DesignOptions options;
     NCDataMatrix<float> matrix;
     DesignForm form;
+    bool isFoldedOver = false;  // the mirror image of the runs stands behind them
     std::uint32_t seed = 0;
     std::vector<int> runOrder;  // one number from 1 a row of the matrix
 

@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "host/FactorCountView.h"
+#include "host/FactorTypesView.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
 #include "host/JsonPlace.h"
@@ -44,7 +45,7 @@ std::optional<Proposal> ProposeOne(const BuilderHandle& builder, const Condition
     }
     Proposal proposal{builder, MakeOptions(*builder, conditions), 0, {}, {}};
     const Factors& factors = *conditions.factors;
-    if (!KeepsRunLimit(proposal.options) ||
+    if (!KeepsRunLimit(proposal.options) || !KeepsConstraints(*builder, conditions) ||
         !builder->IsValid(factors, proposal.options, false, false)) {
         return std::nullopt;
     }
@@ -76,12 +77,19 @@ class ObstacleSearch {
         TryRunLimit();
         TryConstraints();
         TryCenterPoints();
-        TryFactorCounts();
+        // A smaller count would only cut off the factors whose type is in the way.
+        if (!TryMoreCommonTypes()) {
+            TryFactorCounts();
+        }
+        if (obstacles_.empty()) {
+            TryRarerTypes();
+        }
         if (obstacles_.empty()) {
             obstacles_.emplace_back(
-                "no single change of the objective, the model, the factor count, the run limit or "
-                "the constraints makes a design valid; the types of the factors or several "
-                "conditions together stand in the way");
+                "no single change of the objective, the model, the factor types, the factor count, "
+                "the run limit or the constraints makes a design valid; several conditions "
+                "together "
+                "stand in the way");
         }
         return obstacles_;
     }
@@ -164,6 +172,68 @@ class ObstacleSearch {
                 found.front().builder->GetShortString(),
                 found.front().options.GetCenterPoints());
         }
+    }
+
+    // What would be valid if the factors were of the types that most designs take.
+    bool TryMoreCommonTypes() {
+        const Factors& factors = *conditions_.factors;
+        const bool hasLevels = factors.GetQualitativeCount() + factors.GetMultilevelCount() > 0;
+        return (hasLevels &&
+                TryTypes(
+                    [&](int factor) {
+                        const CEType::EType type = factors.GetFactorType(factor);
+                        return type == CEType::Multilevel || type == CEType::Qualitative;
+                    },
+                    CEType::Quantitative,
+                    "factor types: no design takes level factors with these numbers of levels; if "
+                    "they were quantitative, there would be {}")) ||
+               (factors.IsMixtureOnly() &&
+                TryTypes([](int) { return true; },
+                         CEType::Formulation,
+                         "mixture ranges: no design takes the region that they leave, which is no "
+                         "simplex; with 0 to 1 for every component there is {}")) ||
+               (!factors.IsProcessOnly() &&
+                TryTypes([](int) { return true; },
+                         CEType::Quantitative,
+                         "factor types: no design takes formulation factors; if all factors were "
+                         "quantitative, there would be {}"));
+    }
+
+    // The last resort, since few designs take nothing but these.
+    void TryRarerTypes() {
+        const Factors& factors = *conditions_.factors;
+        const int last = static_cast<int>(factors.GetDesignFactorCount()) - 1;
+        if (!factors.IsMixtureOnly() &&
+            TryTypes([](int) { return true; },
+                     CEType::Formulation,
+                     "factor types: no design takes process factors; if all factors were "
+                     "formulation factors, there would be {}")) {
+            return;
+        }
+        static_cast<void>(
+            TryTypes([last](int factor) { return factor == last; },
+                     CEType::Qualitative,
+                     "factor types: no design takes these alone; with three levels of "
+                     "the last factor there would be {}"));
+    }
+
+    template <class Changes>
+    bool TryTypes(const Changes& changes, CEType::EType type, std::string_view pattern) {
+        std::vector<std::optional<CEType::EType>> types(
+            conditions_.factors->GetDesignFactorCount());
+        for (std::size_t factor = 0; factor < types.size(); ++factor) {
+            if (changes(static_cast<int>(factor))) {
+                types[factor] = type;
+            }
+        }
+        const FactorTypesView view(*conditions_.factors, types);
+        Conditions other = conditions_;
+        other.factors = &view;
+        const auto found = Propose(other, builders_);
+        if (!found.empty()) {
+            Add(pattern, NamesOf(found));
+        }
+        return !found.empty();
     }
 
     void TryFactorCounts() {
@@ -252,6 +322,10 @@ DesignOptions MakeOptions(const DesignBuilder& builder, const Conditions& condit
 bool KeepsRunLimit(const DesignOptions& options) {
     return options.GetMaxRuns() == DesignOptions::cNoRunLimit ||
            options.GetRuns() + options.GetCenterPoints() <= options.GetMaxRuns();
+}
+
+bool KeepsConstraints(const DesignBuilder& builder, const Conditions& conditions) {
+    return conditions.constraints.IsEmpty() || builder.IsDesign() != EDesign::DefinitiveScreening;
 }
 
 std::vector<Proposal> Propose(const Conditions& conditions,

@@ -27,6 +27,10 @@ struct Conditions {
 /// each in its own way; a study's limit holds for all of them.
 [[nodiscard]] bool KeepsRunLimit(const DesignOptions& options);
 
+/// The family keeps the constraints, or there are none. All families say whether they take
+/// constraints, but for definitive screening, which does not look at them.
+[[nodiscard]] bool KeepsConstraints(const DesignBuilder& builder, const Conditions& conditions);
+
 /// A design that the engine can build under the conditions.
 struct Proposal {
     BuilderHandle builder;
@@ -46,7 +50,8 @@ struct Proposal {
 [[nodiscard]] std::vector<Proposal> Propose(const Conditions& conditions);
 
 /// Why none of the builders has a valid design: one line for each single condition (objective,
-/// model, factor count, run limit, constraints, centre points) without which there would be one.
+/// model, run limit, constraints, centre points, factor types or factor count) without which there
+/// would be one.
 /// Never empty.
 [[nodiscard]] std::vector<std::string> FindObstacles(const Conditions& conditions,
                                                      const std::vector<BuilderHandle>& builders);

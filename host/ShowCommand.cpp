@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "host/GeneratorText.h"
 #include "host/Project.h"
 #include "host/TextTable.h"
 
@@ -65,6 +66,12 @@ void PrintOptions(const Project& project, std::ostream& out) {
     print("Blocks", options.GetBlocks());
     if (options.GetStarDistance() != DesignOptions::cNoStarDistance) {
         print("Star distance", options.GetStarDistance());
+    }
+    if (const Generators* generators = options.GetGenerators()) {
+        print("Generators", GeneratorText::TextOf(*generators, project.study.factors));
+    }
+    if (project.isFoldedOver) {
+        print("Folded over", "yes, the mirror image of the runs stands behind them");
     }
     print("Seed", project.seed);
     out << '\n';

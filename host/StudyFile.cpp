@@ -139,6 +139,11 @@ json_value ReadOptions(const JsonPlace& place) {
     if (place.Has("starDistance") && place.Member("starDistance").Number() <= 0) {
         place.Member("starDistance").Refuse("must be above 0");
     }
+    if (place.Has("generators") && !place.Member("generators").Value().is_array() &&
+        !place.Member("generators").Value().is_string()) {
+        place.Member("generators")
+            .Refuse(R"(must be an array of words or a text such as "E=ABCD")");
+    }
     return place.Value();
 }
 
