@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <random>
 
 #include "foundation/utl/QvFile.h"
+#include "host/FilePaths.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
 #include "host/Notes.h"
@@ -13,13 +13,6 @@
 #include "host/StudyFile.h"
 
 namespace {
-
-bool IsSameFile(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return std::filesystem::equivalent(a, b, error) ||
-           std::filesystem::absolute(a, error).lexically_normal() ==
-               std::filesystem::absolute(b, error).lexically_normal();
-}
 
 // Writing over the study, or both results into one file, would lose what the user has.
 void RequireDifferentFiles(const BuildArguments& arguments) {

@@ -11,6 +11,7 @@
 #include "foundation/utl/Exceptions.h"
 #include "host/AliasesCommand.h"
 #include "host/BuildCommand.h"
+#include "host/CandidatesCommand.h"
 #include "host/HostError.h"
 #include "host/ProposeCommand.h"
 #include "host/ShowCommand.h"
@@ -36,6 +37,7 @@ class CommandLine {
         AddBuild();
         AddShow();
         AddAliases();
+        AddCandidates();
     }
 
     // Returns 0 when the user asked for help or version, in which case there is nothing to run.
@@ -116,6 +118,29 @@ class CommandLine {
         command->callback([this] { run_ = [this] { RunAliases(aliases_, out_, err_); }; });
     }
 
+    void AddCandidates() {
+        CLI::App* command = app_.add_subcommand(
+            "candidates", "Generate or check the candidate runs of a constrained region");
+        command->footer(cFooter);
+        CandidatesArguments& given = candidates_;
+        command->add_option("STUDY", given.study, "Study file (JSON)")->required();
+        command->add_option("--model",
+                            given.model,
+                            "Model of the process factors; default: the study's, else linear");
+        command->add_option("--mixture-model",
+                            given.mixtureModel,
+                            "Model of the mixture; default: that of the process factors");
+        command->add_flag("--no-potential-terms",
+                          given.noPotentialTerms,
+                          "Edges get their middle instead of points at their thirds");
+        command->add_option(
+            "--limit", given.limit, "Numbers (rows times columns) at most; default: 10000000");
+        command->add_option("--candidates", given.candidates, "Candidate set file to check");
+        command->add_option("-o,--output", given.output, "File to write the candidate set to");
+        command->add_flag("--json", given.json, "Print JSON instead of text");
+        command->callback([this] { run_ = [this] { RunCandidates(candidates_, out_, err_); }; });
+    }
+
     CLI::App app_;
     std::ostream& out_;
     std::ostream& err_;
@@ -123,6 +148,7 @@ class CommandLine {
     BuildArguments build_;
     ShowArguments show_;
     AliasesArguments aliases_;
+    CandidatesArguments candidates_;
     std::function<void()> run_;
 };
 

@@ -1,0 +1,3 @@
+#include "frame/CandidatePicks.h"
+
+CandidatePicks::~CandidatePicks() = default;
