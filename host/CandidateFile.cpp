@@ -147,7 +147,7 @@ std::string FaultOf(std::string_view text) {
 }
 
 bool IsNear(float value, float setting, double range) {
-    const double wide = static_cast<double>(setting);
+    const auto wide = static_cast<double>(setting);
     return std::fabs(static_cast<double>(value) - wide) <=
            cRangeTolerance * range + cDigitsKept * std::fabs(wide);
 }
@@ -198,7 +198,7 @@ std::string SumMisfit(const std::vector<float>& values, const StudyFactors& fact
     if (factors.GetMixtureFactorCount() == 0) {
         return {};
     }
-    double sum = static_cast<double>(factors.GetConstantMixtureShare());
+    auto sum = static_cast<double>(factors.GetConstantMixtureShare());
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (factors.All()[i].type == CEType::Formulation) {
             sum += static_cast<double>(values[i]);
