@@ -124,6 +124,22 @@ BlockRequest MakeBlockRequest(const DOptFactorAdapter& factors, const DesignOpti
     return request;
 }
 
+// A constraint without a coefficient, whose row belongs to no block, holds everywhere or nowhere.
+bool HoldsNowhere(std::span<const float> constraint) {
+    const auto coefficients = constraint.first(constraint.size() - 1);
+    return std::ranges::all_of(coefficients, [](float value) { return value == 0; }) &&
+           constraint.back() < 0;
+}
+
+// @throws Status for a constraint that no run can keep
+void RequireSatisfiable(const NCDataMatrix<float>& constraints) {
+    for (int row = 1; row <= constraints.SizeRows(); ++row) {
+        if (HoldsNowhere(constraints.RowSpan(row))) {
+            throw Status(Inconsistent);
+        }
+    }
+}
+
 // One call of GenerateCandidateset.
 struct Generation {
     DOptGen& generator;
@@ -144,6 +160,7 @@ Status Generate(const Generation& call, NumData& counts) {
         return call.generator.SetCandidates({0, call.generator.GetVariables()});
     }
     BlockRequest request = MakeBlockRequest(call.factors, call.options);
+    RequireSatisfiable(request.constraints);
     request.combinations = static_cast<long long>(combinations);
     request.maxCells = call.limit;
     request.progress = call.generator.GetProgress();

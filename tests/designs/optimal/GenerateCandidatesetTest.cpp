@@ -92,6 +92,20 @@ TEST(GenerateCandidateset, AnImpossibleConstraintIsInconsistent) {
               "The candidate set could not be generated: The constraints are inconsistent.");
 }
 
+TEST(GenerateCandidateset, AConstraintWithoutCoefficientsHoldsNowhereOrChangesNothing) {
+    const TestFactors factors = TestFactors().Quantitatives(2);
+    Request request;
+    const Candidates free = Generate(factors, request);
+    request.constraints = {AtMost({{0, 0}}, 0), AtMost({{0, 1}, {0, -1}}, 0.5)};
+    EXPECT_EQ(Generate(factors, request).rows, free.rows);
+    for (const NCDOE::Constraint& impossible :
+         {AtMost({{0, 0}}, -0.25), AtLeast({{1, 2}, {1, -2}}, 0.25)}) {
+        request.constraints = {impossible};
+        EXPECT_EQ(MessageOf(factors, request),
+                  "The candidate set could not be generated: The constraints are inconsistent.");
+    }
+}
+
 TEST(GenerateCandidateset, AnEqualityIsInconsistent) {
     Request request;
     request.constraints = {AtLeast({{0, 1}, {1, 1}}, 0.5), AtMost({{0, 1}, {1, 1}}, 0.5)};
