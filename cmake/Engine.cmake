@@ -5,6 +5,11 @@ add_library(ncdoe_objects OBJECT)
 target_link_libraries(ncdoe_objects PUBLIC QORVAQvstream QORVAutl QORVAncmat QORVAncutil
                                     PRIVATE qorva_options)
 target_include_directories(ncdoe_objects PUBLIC "${PROJECT_SOURCE_DIR}")
+target_include_directories(ncdoe_objects SYSTEM PRIVATE "${QORVA_DLIB_INCLUDE_DIR}")
+target_link_libraries(ncdoe_objects PRIVATE Boost::headers fmt::fmt-header-only)
+if(OpenMP_CXX_FOUND)
+  target_link_libraries(ncdoe_objects PRIVATE OpenMP::OpenMP_CXX)
+endif()
 
 add_library(QORVAncdoe SHARED)
 add_library(QORVA::ncdoe ALIAS QORVAncdoe)

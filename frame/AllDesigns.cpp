@@ -18,6 +18,7 @@
 #include "designs/factorial/PBSuperSaturated.h"
 #include "designs/mixture/Ax.h"
 #include "designs/mixture/SimDesign.h"
+#include "designs/optimal/D_OptimalBuilder.h"
 #include "designs/rsm/BB.h"
 #include "designs/rsm/CCC.h"
 #include "designs/rsm/CCF.h"
@@ -175,6 +176,12 @@ Builders MakeClassicDesigns() {
             "vertex points, the interior check points, the edge points (1/3, 2/3), "
             "the edge centers, the face centers (dimension q-2), and the overall "
             "centroid."),
+        std::make_shared<D_OptimalBuilder>(
+            "DOpt",
+            "D-Optimal",
+            "D-Optimal designs are computer generated designs that maximize the volume (maximize "
+            "the determinant of the X'X matrix). This is similar to a maximal spread of the "
+            "points."),
         std::make_shared<RechtschaffnerBuilder>(
             EObjective::Optimization,
             "RSS",
@@ -215,20 +222,6 @@ const Builders& EDesign::GetClassicDesigns() {
 }
 
 const AllDesigns& AllDesigns::ClassicDesigns() {
-    static const AllDesigns designs = [] {
-        AllDesigns list;
-        list.builders_ = EDesign::GetClassicDesigns();
-        return list;
-    }();
-    return designs;
-}
-
-const AllDesigns& AllDesigns::ClassicAndREDMUPDesigns() {
-    static const AllDesigns designs = ClassicDesigns();
-    return designs;
-}
-
-const AllDesigns& AllDesigns::AllPossibleDesigns() {
     static const AllDesigns designs = ClassicAndREDMUPDesigns();
     return designs;
 }

@@ -107,7 +107,10 @@ class QORVA_EXPORT NCDesign {
                                const DesignOptions& options);
     /// Appends the options' replicated runs to the own matrix, if there is one.
     void AddReplicatedRuns(const Factors& factors, const DesignOptions& options);
-    /// Appends exactly as many rows as the options ask for, each a copy of an existing row.
+    /// Appends exactly as many rows as the options ask for, each a copy of an existing row: the
+    /// runs whose repetition adds most to the determinant of a linear model, or random ones where a
+    /// trial design that tells them cannot be made.
+    /// @throws InvalidOperationException for a coded matrix with a level code that no level has
     void AddReplicatedRuns(NCDataMatrix<float>& matrix,
                            const Factors& factors,
                            const DesignOptions& options) const;

@@ -27,6 +27,9 @@ class DOptFactorAdapter : public Factors {
     [[nodiscard]] bool IsFormulationSumFree() const override;
     [[nodiscard]] float GetConstantMixtureShare() const override;
 
+    /// The factors that this shows, in the caller's order.
+    [[nodiscard]] const Factors& GetUnderlying() const { return *factors_; }
+
     /// Puts the columns of a matrix from the caller's order into this order. Nothing happens, not
     /// even a test of the width, where the two orders are the same.
     /// @param matrix one column a factor, or one an expanded variable

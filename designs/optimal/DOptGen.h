@@ -6,11 +6,15 @@
 
 #include "designs/optimal/CentroidPlan.h"
 #include "designs/optimal/DOPTMatrix.h"
+#include "designs/optimal/DOptResults.h"
+#include "designs/optimal/ModelExpansion.h"
 #include "designs/optimal/Transforms.h"
 #include "designs/optimal/engine/Centroids.h"
+#include "designs/optimal/engine/DOptExchange.h"
 #include "designs/optimal/engine/DOptStatus.h"
 #include "designs/optimal/engine/DOptVertexGen.h"
 
+class DesignOptions;
 class DOptFactorAdapter;
 class NCProgress;
 
@@ -25,6 +29,9 @@ struct DOptCandidateMatrix {
 
 /// How designs are searched.
 struct DOptSearchSettings {
+    /// Run counts beyond this are not told apart.
+    static constexpr int cMaxRuns = 0x3fffffff;
+
     int runs = 0;
     int exchangeWidth = 3;      // design points examined in one exchange
     int randomStartPoints = 3;  // rows of the start design that are drawn
@@ -79,6 +86,27 @@ class DOptGen {
                                   const DOpt::WorkingScale& scale,
                                   const DOpt::StopTest& stop);
 
+    /// Searches designs for the model, the run count and the settings of the options, which must
+    /// hold D_OptimalOptions. Candidates, transforms and inclusions stand here already; limits and
+    /// mixture flags that were not set are taken from the factors.
+    /// @param cancel read at every safe point; null allowed
+    /// Returns false for a failure, which GetStatus() tells.
+    /// @throws CancelException when the user stops between two run counts
+    bool GenerateDesigns(const DOptFactorAdapter& factors,
+                         const DesignOptions& options,
+                         bool* cancel);
+    /// Searches over the run counts of the settings with the model that is prepared.
+    /// @param balance factors whose levels are to be balanced; null for none
+    /// @param onlyBalanced leaves out what is not, and run counts that cannot be
+    /// Success; IllegalArgument for no runs or repetitions; NoResult; MissingSource without a
+    /// model; or what the search ended with.
+    /// @throws CancelException as GenerateDesigns does
+    DOpt::Status MakeDOpt(const DOpt::BalanceMap* balance, bool onlyBalanced, bool* cancel);
+    /// Records of the last search, by ascending run count.
+    [[nodiscard]] const std::vector<DOptResults>& GetResults() const { return results_; }
+    /// Null before a search.
+    [[nodiscard]] const DOpt::ExchangeModel* GetModelMatrix() const { return model_.get(); }
+
     /// Result of the last step that reached it.
     [[nodiscard]] DOpt::Status GetStatus() const { return status_; }
     [[nodiscard]] int GetVariables() const { return variables_; }
@@ -108,6 +136,12 @@ class DOptGen {
     std::unique_ptr<OneBasedVec<int>> inclusions;
 
   private:
+    DOpt::Status BuildModel();
+    DOpt::Status SearchRunRange(const DOpt::BalanceMap& balance, bool onlyBalanced, bool* cancel);
+    DOpt::Status SearchRunCount(int runs,
+                                const DOpt::BalanceMap& balance,
+                                bool onlyBalanced,
+                                bool* cancel);
     void RequireColumns(const NCDataMatrix<float>& matrix, int columns, const char* name) const;
 
     std::unique_ptr<DOptCandidateMatrix> candidates_;
@@ -121,6 +155,9 @@ class DOptGen {
     std::unique_ptr<OneBasedVec<float>> varMin_;
     std::unique_ptr<OneBasedVec<int>> isMix_;
     std::vector<std::unique_ptr<Transforms>> transforms_;
+    std::unique_ptr<DOpt::ModelExpansion> expansion_;  // during a search
+    std::unique_ptr<DOpt::ExchangeModel> model_;
+    std::vector<DOptResults> results_;
     int variables_ = 0;
     int modelTerms_ = 0;
     int mixtureVariables_ = 0;

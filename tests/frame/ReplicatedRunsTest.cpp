@@ -1,9 +1,13 @@
 #include <algorithm>
+#include <cmath>
+#include <random>
 #include <set>
 #include <vector>
 
+#include "foundation/utl/Exceptions.h"
 #include "frame/DesignOptions.h"
 #include "frame/NCDesign.h"
+#include "tests/oracles/ModelOracles.h"
 #include "tests/support/OpenDesign.h"
 #include "tests/support/TestFactors.h"
 #include "tests/support/ValidatingScope.h"
@@ -141,6 +145,70 @@ TEST(ReplicatedRuns, FallbackShufflesUnlessResultsMustRepeat) {
         first.insert(Repeated(factors, OneFactor(20), 1)(21, 1));
     }
     EXPECT_GT(first.size(), 1U);
+}
+
+// log10 |X'X| of a linear model.
+double LogDeterminant(const Table& runs) {
+    const auto linear = [](const oracles::Run& x) {
+        oracles::Run terms{1};
+        terms.insert(terms.end(), x.begin(), x.end());
+        return terms;
+    };
+    const oracles::Table model = oracles::ModelMatrix(runs, runs.SizeColumns(), linear);
+    return static_cast<double>(
+        oracles::LogDeterminant(oracles::Product(oracles::Transposed(model), model)));
+}
+
+// The best that repeating any two runs can reach, by trying all pairs.
+double BestOfAllPairs(const Table& table) {
+    double best = -1e9;
+    for (int i = 1; i <= table.SizeRows(); ++i) {
+        for (int j = i; j <= table.SizeRows(); ++j) {
+            Table repeated = table;
+            repeated.InsertRow(table.SizeRows() + 1, table.GetRow(i));
+            repeated.InsertRow(table.SizeRows() + 2, table.GetRow(j));
+            best = std::max(best, LogDeterminant(repeated));
+        }
+    }
+    return best;
+}
+
+TEST(ReplicatedRuns, RunsThatAddMostToTheDeterminantAreRepeated) {
+    const TestFactors factors = TestFactors().Quantitatives(2);
+    int good = 0;
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        std::mt19937 engine(seed);
+        Table table(9, 2);
+        for (float& cell : table.Cells()) {
+            cell = static_cast<float>(engine() % 21) / 10 - 1;
+        }
+        // 99 percent as a share of the third root: three columns.
+        const double bound = BestOfAllPairs(table);
+        const double reached = LogDeterminant(Repeated(factors, table, 2));
+        EXPECT_LE(reached, bound + 1e-9) << "seed " << seed;
+        good += reached >= bound + 3 * std::log10(0.99) ? 1 : 0;
+    }
+    EXPECT_GE(good, 18);
+}
+
+TEST(ReplicatedRuns, RunsOfAnUncodedDesignAreChosenInRealUnits) {
+    const TestFactors factors = TestFactors().Quantitative(100, 200).Quantitative(0, 1);
+    // The two centre runs add least.
+    const Table table{{100, 0}, {200, 1}, {150, 0.5F}, {150, 0.5F}, {100, 1}, {200, 0}};
+    OpenDesign design(factors, table);
+    design.coded = false;
+    design.AddReplicatedRuns(factors, Repeating(4));
+    const Table repeated = design.Matrix();
+    ASSERT_EQ(repeated.SizeRows(), 10);
+    for (int row = 7; row <= 10; ++row) {
+        EXPECT_NE(repeated(row, 1), 150) << row;
+    }
+}
+
+TEST(ReplicatedRuns, CodeThatNoLevelHasIsAFaultOfTheDesign) {
+    const TestFactors factors = TestFactors().Qualitative(2).Quantitatives(1);
+    OpenDesign design(factors, Table{{65, -1}, {66, 1}, {-99, 0}});
+    EXPECT_THROW(design.AddReplicatedRuns(factors, Repeating(1)), InvalidOperationException);
 }
 
 TEST(ReplicatedRuns, MatrixWithoutRowsStaysWithoutRows) {
