@@ -27,6 +27,7 @@
 #include "designs/rsm/RCCC.h"
 #include "designs/rsm/RCCF.h"
 #include "designs/rsm/Rechtschaffner.h"
+#include "designs/stability/StabilityDesign.h"
 #include "frame/CustomDesign.h"
 #include "frame/DesignBuilder.h"
 #include "frame/DesignOptions.h"
@@ -222,8 +223,43 @@ const Builders& EDesign::GetClassicDesigns() {
 }
 
 const AllDesigns& AllDesigns::ClassicDesigns() {
-    static const AllDesigns designs = ClassicAndREDMUPDesigns();
+    static const AllDesigns designs = [] {
+        AllDesigns list;
+        list.builders_ = EDesign::GetClassicDesigns();
+        return list;
+    }();
     return designs;
+}
+
+const AllDesigns& AllDesigns::ClassicAndREDMUPDesigns() {
+    static const AllDesigns designs = ClassicDesigns();
+    return designs;
+}
+
+const AllDesigns& AllDesigns::AllPossibleDesigns() {
+    static const AllDesigns designs = [] {
+        AllDesigns list = ClassicAndREDMUPDesigns();
+        list.Add(GetStabilityBuilder());
+        list.Add(GetGeneralizedSubsetBuilder());
+        return list;
+    }();
+    return designs;
+}
+
+std::shared_ptr<const DesignBuilder> AllDesigns::GetStabilityBuilder() {
+    static const auto builder = std::make_shared<const StabilityDesignBuilder>(
+        EDesign::Stability, "Stability", "Stability", "Stability testing design");
+    return builder;
+}
+
+std::shared_ptr<const DesignBuilder> AllDesigns::GetGeneralizedSubsetBuilder() {
+    // The trailing blank of the description is kept: it is stored with designs.
+    static const auto builder = std::make_shared<const StabilityDesignBuilder>(
+        EDesign::GeneralizedSubset,
+        "Generalized Subset Designs",
+        "Generalized Subset Designs",
+        "A design that generates a sequence of complementary design sets. ");
+    return builder;
 }
 
 std::shared_ptr<const DesignBuilder> AllDesigns::GetDesignBuilder(EDesign::Type type,

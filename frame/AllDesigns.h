@@ -23,6 +23,10 @@ class QORVA_EXPORT AllDesigns {
     /// The previous list, then the families that are asked for by name.
     [[nodiscard]] static const AllDesigns& AllPossibleDesigns();
 
+    /// The builders of the families that are asked for by name; made on first use.
+    [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetStabilityBuilder();
+    [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetGeneralizedSubsetBuilder();
+
     /// The first builder of AllPossibleDesigns() of that type and exactly that data; for Custom any
     /// data will do. An empty handle when there is none.
     [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetDesignBuilder(

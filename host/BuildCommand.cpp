@@ -30,6 +30,16 @@ void RequireDifferentFiles(const BuildArguments& arguments) {
     }
 }
 
+// A series of design sets is no worksheet of runs.
+void RequireWorksheetDesign(const std::string& name) {
+    const BuilderHandle builder = FindBuilder(name);
+    if (builder && EDesign::IsStabilityDesign(builder->IsDesign())) {
+        FailWith(fmt::format("build: the design {} is made by the command {}.",
+                             Quoted(builder->GetShortString()),
+                             builder->IsDesign() == EDesign::Stability ? "stability" : "subsets"));
+    }
+}
+
 Project MakeProject(Study&& study, const BuildArguments& arguments, BuiltDesign& built) {
     Project project;
     project.builder = built.builder;
@@ -51,6 +61,8 @@ Project MakeProject(Study&& study, const BuildArguments& arguments, BuiltDesign&
 void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& err) {
     RequireDifferentFiles(arguments);
     Study study = ReadStudyFile(arguments.study);
+    RequireWorksheetDesign(arguments.request.design.empty() ? study.design
+                                                            : arguments.request.design);
     PrintNotes(study, err);
     BuiltDesign built = MakeDesign(study, arguments.request);
     const Project project = MakeProject(Study(study), arguments, built);

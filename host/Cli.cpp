@@ -15,6 +15,8 @@
 #include "host/HostError.h"
 #include "host/ProposeCommand.h"
 #include "host/ShowCommand.h"
+#include "host/StabilityCommand.h"
+#include "host/SubsetsCommand.h"
 
 namespace {
 
@@ -38,6 +40,8 @@ class CommandLine {
         AddShow();
         AddAliases();
         AddCandidates();
+        AddStability();
+        AddSubsets();
     }
 
     // Returns 0 when the user asked for help or version, in which case there is nothing to run.
@@ -141,6 +145,37 @@ class CommandLine {
         command->callback([this] { run_ = [this] { RunCandidates(candidates_, out_, err_); }; });
     }
 
+    void AddStability() {
+        CLI::App* command = app_.add_subcommand(
+            "stability", "Lay out the runs of a stability study over its points in time");
+        command->footer(cFooter);
+        command->add_option("STUDY", stability_.study, "Study file (JSON)")->required();
+        command->add_option("--used",
+                            stability_.used,
+                            "Reduction:index of each point in time, such as 1:1,3:1,3:2,3:3,1:1");
+        command->add_option("--times", stability_.times, "Points in time, such as 0,3,6,9,12");
+        AddSearchOptions(*command, stability_.search);
+        command->callback([this] { run_ = [this] { RunStability(stability_, out_, err_); }; });
+    }
+
+    void AddSubsets() {
+        CLI::App* command = app_.add_subcommand(
+            "subsets", "Divide the full factorial into complementary subsets and judge them");
+        command->footer(cFooter);
+        command->add_option("STUDY", subsets_.study, "Study file (JSON)")->required();
+        command->add_option("--reduction", subsets_.reduction, "Number of subsets; default: 2");
+        AddSearchOptions(*command, subsets_.search);
+        command->callback([this] { run_ = [this] { RunSubsets(subsets_, out_, err_); }; });
+    }
+
+    static void AddSearchOptions(CLI::App& command, SubsetSearchRequest& search) {
+        command.add_option("--seconds", search.seconds, "Time limit of the search; 0: none");
+        command.add_flag("--prefer-condition",
+                         search.preferCondition,
+                         "Look for small condition numbers instead of balance");
+        command.add_option("-o,--output", search.output, "CSV file to write, too");
+    }
+
     CLI::App app_;
     std::ostream& out_;
     std::ostream& err_;
@@ -149,6 +184,8 @@ class CommandLine {
     ShowArguments show_;
     AliasesArguments aliases_;
     CandidatesArguments candidates_;
+    StabilityArguments stability_;
+    SubsetsArguments subsets_;
     std::function<void()> run_;
 };
 

@@ -186,6 +186,21 @@ TEST(AllDesigns, FamiliesOutsideTheClassicListHaveTheirTexts) {
     }
 }
 
+TEST(AllDesigns, FamiliesAskedForByNameAreTheirOneInstance) {
+    EXPECT_EQ(AllDesigns::GetDesignBuilder(EDesign::Stability, ""),
+              AllDesigns::GetStabilityBuilder());
+    EXPECT_EQ(AllDesigns::GetDesignBuilder(EDesign::GeneralizedSubset, ""),
+              AllDesigns::GetGeneralizedSubsetBuilder());
+    EXPECT_EQ(AllDesigns::GetStabilityBuilder(), AllDesigns::GetStabilityBuilder());
+}
+
+TEST(AllDesigns, StabilityFollowsThePlatesAndGeneralizedSubsetsEndTheList) {
+    const Builders& plates = AllDesigns::ClassicAndREDMUPDesigns().GetAllDesigns();
+    ASSERT_GT(All().size(), plates.size());
+    EXPECT_EQ(All()[plates.size()], AllDesigns::GetStabilityBuilder());
+    EXPECT_EQ(All().back(), AllDesigns::GetGeneralizedSubsetBuilder());
+}
+
 TEST(AllDesigns, NoTypeHasNoBuilder) {
     EXPECT_EQ(AllDesigns::GetDesignBuilder(EDesign::None, ""), nullptr);
 }

@@ -1,0 +1,170 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "host/Cli.h"
+#include "tests/host/HostTesting.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using HostTesting::Quantitatives;
+using HostTesting::ReadFile;
+using HostTesting::WriteFile;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Answer {
+    int code = 0;
+    std::string out;
+    std::string err;
+};
+
+// A study whose thirds are Latin squares, so that the search ends at once.
+class SubsetCommands : public testing::Test {
+  protected:
+    SubsetCommands() {
+        WriteFile(study_,
+                  R"({"factors":[
+                      {"name":"pH","type":"Multilevel","settings":[4,6,9]},
+                      {"name":"Buffer","type":"Qualitative","levels":["P","Q","R"]},
+                      {"name":"Light","type":"Qualitative","levels":["dark","day","lamp"]}]})");
+    }
+
+    Answer Ask(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin() + 1, study_);
+        std::ostringstream out;
+        std::ostringstream err;
+        const int code = RunCommandLine(arguments, out, err);
+        return {code, out.str(), err.str()};
+    }
+
+    TemporaryFolder folder_;
+    std::string study_ = folder_.File("study.json");
+    std::string csv_ = folder_.File("plan.csv");
+};
+
+std::vector<std::string> LinesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST_F(SubsetCommands, StabilityPrintsThePlan) {
+    const Answer answer =
+        Ask({"stability", "--used", "1:1,3:1,3:2", "--times", "0,3,6.5", "--seconds", "1"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(answer.out, StartsWith("Set  Time  Name"));
+    EXPECT_THAT(answer.out, HasSubstr("c27-T0"));
+    EXPECT_THAT(answer.out, HasSubstr("-T6.5"));
+    EXPECT_THAT(answer.out, HasSubstr("C:2"));
+    EXPECT_THAT(answer.err, HasSubstr("45 runs of 27 combinations at 3 points in time"));
+    EXPECT_EQ(LinesOf(answer.out).size(), 2U + 45U);
+}
+
+TEST_F(SubsetCommands, StabilityWritesThePlan) {
+    const Answer answer =
+        Ask({"stability", "--used", "1:1,3:2", "--times", "0,3", "--seconds", "1", "-o", csv_});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    const auto lines = LinesOf(ReadFile(csv_));
+    ASSERT_EQ(lines.size(), 1U + 27U + 9U);
+    EXPECT_EQ(lines[0], "Set,Time,Name,Combination,pH,Buffer,Light");
+    EXPECT_EQ(lines[1], "A:1,0,c1-T0,c1,4,P,dark");
+    EXPECT_EQ(lines[2], "A:1,0,c2-T0,c2,6,P,dark");
+    EXPECT_THAT(lines[28], StartsWith("C:2,3,c"));
+}
+
+TEST_F(SubsetCommands, StabilityHasTheSetsOfTheFamily) {
+    const Answer answer = Ask({"stability", "--seconds", "1"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(answer.err, HasSubstr("81 runs of 27 combinations at 5 points in time"));
+}
+
+TEST_F(SubsetCommands, StabilityNamesWhatIsWrong) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> wrong{
+        {{"--used", "1:1,3"}, "--used: \"3\" is no design set"},
+        {{"--used", "3:4"}, "the index from 1 to the reduction"},
+        {{"--used", "0:0"}, "the reduction must be 1 or more"},
+        {{"--used", "1:1,"}, "--used: \"\" is no design set"},
+        {{"--used", "1:1", "--times", "0,3"}, "there are 2 points in time for 1 design sets"},
+        {{"--used", "1:1", "--times", "soon"}, "--times: \"soon\" is no number"},
+        {{"--seconds", "-1"}, "--seconds: -1 must be"},
+        {{"-o", study_}, "is the study itself"}};
+    for (const auto& [arguments, text] : wrong) {
+        std::vector<std::string> all{"stability"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Answer answer = Ask(all);
+        EXPECT_EQ(answer.code, 2) << text;
+        EXPECT_THAT(answer.err, HasSubstr(text));
+        EXPECT_EQ(answer.out, "");
+    }
+}
+
+TEST_F(SubsetCommands, FactorsThatAddUpHaveNoSubsets) {
+    WriteFile(study_,
+              R"({"factors":[{"name":"a","type":"Formulation","low":0,"high":1},
+                             {"name":"b","type":"Formulation","low":0,"high":1}]})");
+    EXPECT_EQ(Ask({"stability"}).code, 1);
+    EXPECT_EQ(Ask({"subsets"}).code, 1);
+}
+
+TEST_F(SubsetCommands, SubsetsPrintsQualityAndRuns) {
+    const Answer answer = Ask({"subsets", "--reduction", "3", "--seconds", "1"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    const auto lines = LinesOf(answer.out);
+    ASSERT_EQ(lines.size(), 2U + 3U + 1U + 2U + 27U);
+    EXPECT_THAT(lines[0], StartsWith("Subset"));
+    for (const std::size_t subset : {2U, 3U, 4U}) {
+        EXPECT_THAT(lines[subset], HasSubstr("  9  yes     yes      yes  yes"));
+    }
+    EXPECT_THAT(answer.err, HasSubstr("27 runs in 3 subsets"));
+}
+
+TEST_F(SubsetCommands, SubsetsWritesItsRuns) {
+    const Answer answer = Ask({"subsets", "--reduction", "3", "--seconds", "1", "-o", csv_});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    const auto lines = LinesOf(ReadFile(csv_));
+    ASSERT_EQ(lines.size(), 1U + 27U);
+    EXPECT_EQ(lines[0], "Subset,Name,pH,Buffer,Light");
+    EXPECT_THAT(lines[1], StartsWith("C:1,c1-C:1,"));
+}
+
+TEST_F(SubsetCommands, SubsetsBeyondTheLettersHaveNumbers) {
+    const Answer answer = Ask({"subsets", "--reduction", "30"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(answer.out, HasSubstr("30:1"));
+}
+
+TEST_F(SubsetCommands, SubsetsNeedsAPositiveReduction) {
+    const Answer answer = Ask({"subsets", "--reduction", "0"});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("--reduction: 0 must be a whole number from 1 to 1000000"));
+}
+
+TEST_F(SubsetCommands, MoreRunsThanFitAreRefused) {
+    WriteFile(study_, Quantitatives(24));
+    const Answer answer = Ask({"subsets", "--reduction", "2"});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("at most 1000000 runs"));
+}
+
+TEST_F(SubsetCommands, ExhaustedMemoryIsAnError) {
+    WriteFile(study_, Quantitatives(26));
+    const Answer answer = Ask({"stability", "--used", "1000:1"});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("the search was given up"));
+}
+
+TEST_F(SubsetCommands, BuildTellsTheCommandToUse) {
+    const Answer stability = Ask({"build", "--design", "Stability"});
+    EXPECT_EQ(stability.code, 2);
+    EXPECT_THAT(stability.err, HasSubstr("is made by the command stability"));
+    EXPECT_THAT(Ask({"build", "--design", "Generalized Subset Designs"}).err,
+                HasSubstr("is made by the command subsets"));
+}
+
+}  // namespace
