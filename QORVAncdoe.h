@@ -39,6 +39,7 @@
 #include "designs/stability/StabilityOptions.h"
 #include "evaluation/AliasStructure.h"
 #include "evaluation/DesignStatistics.h"
+#include "evaluation/ModelMatrix.h"
 #include "evaluation/Power.h"
 #include "foundation/mat/NCDataMatrix.h"
 #include "foundation/mat/TransformStruct.h"

@@ -79,11 +79,50 @@ void QuadraticDesigns(benchmark::State& state) {
 }
 BENCHMARK(QuadraticDesigns)
     ->Args({3, 14, 1000})
+    ->Args({4, 18, 1000})
     ->Args({5, 26, 1000})
+    ->Args({6, 33, 1000})
     ->Args({7, 41, 3000})
     ->Args({10, 71, 2000})
+    ->Args({10, 71, 12000})
     ->Args({10, 71, 50000})
     ->Args({17, 180, 5000})
+    ->Unit(benchmark::kMillisecond);
+
+/// Two-factor interactions on the whole two-level grid, five repetitions. Arguments: factors, runs.
+void InteractionDesigns(benchmark::State& state) {
+    const int factors = static_cast<int>(state.range(0));
+    const int columns = 1 + factors + factors * (factors - 1) / 2;
+    NCDataMatrix<float> rows(1 << factors, columns, 1.0F);
+    for (int row = 1; row <= rows.SizeRows(); ++row) {
+        int next = factors + 2;
+        for (int i = 0; i < factors; ++i) {
+            rows(row, i + 2, ((row - 1) >> i & 1) != 0 ? 1.0F : -1.0F);
+        }
+        for (int i = 2; i <= factors + 1; ++i) {
+            for (int j = i + 1; j <= factors + 1; ++j) {
+                rows(row, next++, rows(row, i) * rows(row, j));
+            }
+        }
+    }
+    double best = 0;
+    for (auto _ : state) {
+        ExchangeModel model(rows, 0);
+        DOpt::DOptExchange exchange(model, Settings(static_cast<int>(state.range(1))));
+        std::vector<DOpt::ExchangeResult> results;
+        exchange.RepetitionLoop(results, 5, {}, false);
+        for (const DOpt::ExchangeResult& result : results) {
+            const double log10 = static_cast<double>(result.figures.logDeterminant);
+            best = std::max(best,
+                            std::pow(10.0, log10 / columns) / static_cast<double>(state.range(1)));
+        }
+    }
+    state.counters["D"] = best;
+}
+BENCHMARK(InteractionDesigns)
+    ->Args({5, 20})
+    ->Args({7, 36})
+    ->Args({9, 64})
     ->Unit(benchmark::kMillisecond);
 
 void Sizes(benchmark::internal::Benchmark* run) {
@@ -94,6 +133,24 @@ void Sizes(benchmark::internal::Benchmark* run) {
     }
     run->Unit(benchmark::kMicrosecond);
 }
+
+/// One whole search among random candidates, ten runs more than columns. Arguments: candidates,
+/// columns. The counter is |X'X|^(1/p) / n.
+void OneSearch(benchmark::State& state) {
+    const int columns = static_cast<int>(state.range(1));
+    const NCDataMatrix<float> rows = RandomRows(static_cast<int>(state.range(0)), columns);
+    double reached = 0;
+    for (auto _ : state) {
+        ExchangeModel model(rows, 0);
+        DOpt::DOptExchange exchange(model, Settings(columns + 10));
+        std::vector<DOpt::ExchangeResult> results;
+        exchange.RepetitionLoop(results, 1, {}, false);
+        const double log10 = static_cast<double>(results.front().figures.logDeterminant);
+        reached = std::pow(10.0, log10 / columns) / (columns + 10);
+    }
+    state.counters["D"] = reached;
+}
+BENCHMARK(OneSearch)->Apply(Sizes)->Unit(benchmark::kMillisecond);
 
 /// One exchange: inverse and the variances of all candidates. Arguments: candidates, columns.
 void OneExchange(benchmark::State& state) {

@@ -69,6 +69,10 @@ Matrix StatisticsModel::Expand(const Matrix& rows) const {
     return expansion_->MakeMatrix(ordered);
 }
 
+std::vector<std::vector<int>> StatisticsModel::GetColumns() const {
+    return expansion_ != nullptr ? expansion_->GetColumns() : std::vector<std::vector<int>>();
+}
+
 void StatisticsModel::ExpandCandidates(int columns) {
     if (average_ == nullptr) {
         candidateModel_ = Expand(*candidates_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "designs/optimal/DOptFactorAdapter.h"
 #include "designs/optimal/DOptGen.h"
@@ -30,6 +31,8 @@ class StatisticsModel {
                                                       bool& stop);
     /// The model matrix, constant first; empty without factors.
     [[nodiscard]] NCDataMatrix<float> Expand(const NCDataMatrix<float>& rows) const;
+    /// The variables of each column of that matrix, counted from 1 in the adapter's order.
+    [[nodiscard]] std::vector<std::vector<int>> GetColumns() const;
 
   private:
     void ExpandCandidates(int columns);

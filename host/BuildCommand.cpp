@@ -9,6 +9,7 @@
 #include "host/HostError.h"
 #include "host/Interrupt.h"
 #include "host/Notes.h"
+#include "host/OptimalResults.h"
 #include "host/Project.h"
 #include "host/StudyFile.h"
 
@@ -27,16 +28,6 @@ void RequireDifferentFiles(const BuildArguments& arguments) {
         IsSameFile(arguments.output, arguments.project)) {
         FailWith(fmt::format("--project: {} is the worksheet's file, too; choose another file.",
                              arguments.project));
-    }
-}
-
-// A series of design sets is no worksheet of runs.
-void RequireWorksheetDesign(const std::string& name) {
-    const BuilderHandle builder = FindBuilder(name);
-    if (builder && EDesign::IsStabilityDesign(builder->IsDesign())) {
-        FailWith(fmt::format("build: the design {} is made by the command {}.",
-                             Quoted(builder->GetShortString()),
-                             builder->IsDesign() == EDesign::Stability ? "stability" : "subsets"));
     }
 }
 
@@ -61,9 +52,10 @@ Project MakeProject(Study&& study, const BuildArguments& arguments, BuiltDesign&
 void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& err) {
     RequireDifferentFiles(arguments);
     Study study = ReadStudyFile(arguments.study);
-    RequireWorksheetDesign(arguments.request.design.empty() ? study.design
-                                                            : arguments.request.design);
     PrintNotes(study, err);
+    if (arguments.validating) {
+        D_Optimal::SetValidating();
+    }
     BuiltDesign built = MakeDesign(study, arguments.request);
     const Project project = MakeProject(Study(study), arguments, built);
     const std::string csv =
@@ -79,6 +71,11 @@ void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& 
         }
     } else {
         QvFile::ReplaceAll(arguments.output, csv);
+    }
+    if (const auto* search = dynamic_cast<const D_Optimal*>(built.design.get())) {
+        // The worksheet may have the output for itself.
+        (arguments.output.empty() ? err : out)
+            << FormatOptimalResults(*search, study.factors, built.options);
     }
     err << fmt::format("{}: {} runs, seed {}\n",
                        built.builder->GetDisplayName(),

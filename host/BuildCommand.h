@@ -14,8 +14,10 @@ struct BuildArguments {
     bool coded = false;                 // coded values instead of real ones
     std::string output;                 // path of the worksheet; empty: standard output
     std::string project;                // path of the project to save; empty: none
+    bool validating = false;            // searches repeat exactly
 };
 
-/// Builds a design and writes its worksheet as CSV. Tells the seed of the run order on `err`.
+/// Builds a design and writes its worksheet as CSV. Tells the seed of the run order on `err`. The
+/// results of a search are printed, on `err` where `out` holds the worksheet.
 /// @throws NoValidDesign, Exception, CancelException; files that exist stay whole
 void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& err);

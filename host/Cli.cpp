@@ -12,8 +12,12 @@
 #include "host/AliasesCommand.h"
 #include "host/BuildCommand.h"
 #include "host/CandidatesCommand.h"
+#include "host/EvaluateCommand.h"
 #include "host/HostError.h"
+#include "host/IOptCommand.h"
+#include "host/PowerCommand.h"
 #include "host/ProposeCommand.h"
+#include "host/SelectCommand.h"
 #include "host/ShowCommand.h"
 #include "host/StabilityCommand.h"
 #include "host/SubsetsCommand.h"
@@ -38,8 +42,12 @@ class CommandLine {
         AddPropose();
         AddBuild();
         AddShow();
+        AddSelect();
         AddAliases();
         AddCandidates();
+        AddEvaluate();
+        AddPower();
+        AddIOpt();
         AddStability();
         AddSubsets();
     }
@@ -79,11 +87,12 @@ class CommandLine {
         DesignRequest& request = build_.request;
         command->add_option("STUDY", build_.study, "Study file (JSON)")->required();
         AddDesignOptions(*command, request);
-        command->add_option("--center-points", request.centerPoints, "Number of centre points");
-        command->add_option("--replicates", request.replicates, "Further copies of the design");
-        command->add_option("--replicated-runs", request.replicatedRuns, "Runs to repeat");
+        AddRunOptions(*command, request);
         command->add_option("--seed", build_.seed, "Seed of the run order; default: drawn");
         command->add_flag("--coded", build_.coded, "Write coded values instead of real ones");
+        AddOptimalOptions(*command, request.optimal);
+        AddTermOption(*command, request.optimal);
+        command->add_flag("--validating", build_.validating, "Searches repeat exactly");
         command->add_option("-o,--output", build_.output, "Worksheet file; default: the output");
         command->add_option("--project", build_.project, "File to save study and design in");
         command->callback([this] { run_ = [this] { RunBuild(build_, out_, err_); }; });
@@ -104,12 +113,63 @@ class CommandLine {
         command.add_flag("--fold-over", request.foldOver, "Append the mirror image of the runs");
     }
 
+    // Runs beside those of the design proper.
+    static void AddRunOptions(CLI::App& command, DesignRequest& request) {
+        command.add_option("--center-points", request.centerPoints, "Number of centre points");
+        command.add_option("--replicates", request.replicates, "Further copies of the design");
+        command.add_option("--replicated-runs", request.replicatedRuns, "Runs to repeat");
+    }
+
+    // What steers the search for a D-optimal design.
+    static void AddOptimalOptions(CLI::App& command, OptimalRequest& request) {
+        command.add_option(
+            "--repetitions", request.repetitions, "DOpt: searches of each run count; default: 5");
+        command.add_option("--run-range",
+                           request.runRange,
+                           "DOpt: run counts searched on either side of --runs; default: 2");
+        command.add_option("--select-by",
+                           request.selectBy,
+                           "DOpt: g-efficiency, condition-number, log-determinant or i-optimality");
+        command.add_option(
+            "--inclusions", request.inclusions, "DOpt: CSV file of runs that the design holds");
+        command.add_option("--candidates",
+                           request.candidates,
+                           "DOpt: candidate set file; default: generated candidates");
+        command.add_option("--balance-on",
+                           request.balanceOn,
+                           "DOpt: qualitative factor whose levels occur equally often");
+        command.add_flag("--only-balanced", request.onlyBalanced, "DOpt: balanced results only");
+        command.add_flag("--no-potential-terms",
+                         request.noPotentialTerms,
+                         "DOpt: no guard against terms beyond the model");
+        command.add_option("--select",
+                           request.select,
+                           "DOpt: number of the result to take; default: the best by --select-by");
+    }
+
+    static void AddTermOption(CLI::App& command, OptimalRequest& request) {
+        command.add_option("--model-terms",
+                           request.modelTerms,
+                           "Terms beside the main effects by factor name, such as \"A*B, A^2\"");
+    }
+
     void AddShow() {
         CLI::App* command = app_.add_subcommand("show", "Print a saved project");
         command->footer(cFooter);
         command->add_option("PROJECT", show_.project, "Project file")->required();
         command->add_flag("--coded", show_.coded, "Print coded values instead of real ones");
         command->callback([this] { run_ = [this] { RunShow(show_, out_); }; });
+    }
+
+    void AddSelect() {
+        CLI::App* command = app_.add_subcommand(
+            "select", "Make another result of a D-optimal search the design of a project");
+        command->footer(cFooter);
+        command->add_option("PROJECT", select_.project, "Project file")->required();
+        command->add_option("RESULT", select_.number, "Number of the result, from 1")->required();
+        command->add_option("-o,--output", select_.output, "Worksheet file; default: the output");
+        command->add_option("--project", select_.saved, "File to save in; default: PROJECT");
+        command->callback([this] { run_ = [this] { RunSelect(select_, out_, err_); }; });
     }
 
     void AddAliases() {
@@ -143,6 +203,68 @@ class CommandLine {
         command->add_option("-o,--output", given.output, "File to write the candidate set to");
         command->add_flag("--json", given.json, "Print JSON instead of text");
         command->callback([this] { run_ = [this] { RunCandidates(candidates_, out_, err_); }; });
+    }
+
+    // The runs to judge: a design to build, a project, or a worksheet.
+    static void AddJudged(CLI::App& command, JudgeRequest& judged) {
+        command.add_option("SUBJECT", judged.subject, "Study file (JSON) or project file")
+            ->required();
+        command.add_option(
+            "--worksheet", judged.worksheet, "CSV file of the runs to judge instead");
+        DesignRequest& request = judged.request;
+        AddDesignOptions(command, request);
+        AddRunOptions(command, request);
+        AddOptimalOptions(command, request.optimal);
+        AddTermOption(command, request.optimal);
+        command.add_flag("--validating", judged.validating, "Searches repeat exactly");
+    }
+
+    void AddEvaluate() {
+        CLI::App* command = app_.add_subcommand(
+            "evaluate", "Tell how well a design serves a model: figures, leverages, variances");
+        command->footer(cFooter);
+        AddJudged(*command, evaluate_.judged);
+        command->add_option("--correlation-limit",
+                            evaluate_.correlationLimit,
+                            "Correlations of at least this size are printed; default: 0.3");
+        command->add_flag("--all-correlations", evaluate_.allCorrelations, "All of them are");
+        command->callback([this] { run_ = [this] { RunEvaluate(evaluate_, out_, err_); }; });
+    }
+
+    void AddPower() {
+        CLI::App* command = app_.add_subcommand(
+            "power", "Tell the chance to detect effects of each term of a model");
+        command->footer(cFooter);
+        AddJudged(*command, power_.judged);
+        command->add_option("--sigma", power_.sigma, "Standard deviation of one run");
+        command->add_option(
+            "--effects", power_.effects, "Effects in units of sigma; default: 1,2,3");
+        command->add_option("--alpha", power_.alpha, "Level of significance; default: 0.05");
+        command->add_option(
+            "--power", power_.power, "Print the smallest effects detected with this chance");
+        command->callback([this] { run_ = [this] { RunPower(power_, out_, err_); }; });
+    }
+
+    void AddIOpt() {
+        CLI::App* command = app_.add_subcommand(
+            "iopt", "Search a design of small average prediction variance on a grid");
+        command->footer(cFooter);
+        command->add_option("STUDY", iopt_.study, "Study file (JSON)")->required();
+        command->add_option("--runs", iopt_.runs, "Number of runs")->required();
+        command->add_option(
+            "--levels", iopt_.levels, "Settings of a continuous factor on the grid; default: 5");
+        command->add_option("--model",
+                            iopt_.model,
+                            "Regression model; default: the study's, else that of its objective");
+        command->add_option("--model-terms",
+                            iopt_.modelTerms,
+                            "Terms beside the main effects by factor name, such as \"A*B, A^2\"");
+        command->add_option("--starts,--repetitions",
+                            iopt_.starts,
+                            "Searches, each from its own random start; default: 10");
+        command->add_option("--seed", iopt_.seed, "Seed of starts and run order; default: drawn");
+        command->add_option("-o,--output", iopt_.output, "Worksheet file; default: the output");
+        command->callback([this] { run_ = [this] { RunIOpt(iopt_, out_, err_); }; });
     }
 
     void AddStability() {
@@ -182,8 +304,12 @@ class CommandLine {
     ProposeArguments propose_;
     BuildArguments build_;
     ShowArguments show_;
+    SelectArguments select_;
     AliasesArguments aliases_;
     CandidatesArguments candidates_;
+    EvaluateArguments evaluate_;
+    PowerArguments power_;
+    IOptArguments iopt_;
     StabilityArguments stability_;
     SubsetsArguments subsets_;
     std::function<void()> run_;
@@ -213,6 +339,9 @@ int RunCommandLine(const std::vector<std::string>& arguments,
     } catch (const NoValidDesign& reason) {
         err << reason.what() << '\n';
         return ExitCode::cNoValidDesign;
+    } catch (const StoppedWork& reason) {
+        err << reason.what() << '\n';
+        return ExitCode::cStopped;
     } catch (const CancelException&) {
         err << "Stopped.\n";
         return ExitCode::cStopped;

@@ -4,12 +4,19 @@
 
 #include <algorithm>
 
+#include "host/FoldOver.h"
 #include "host/GeneratorText.h"
 #include "host/HostError.h"
 #include "host/JsonPlace.h"
+#include "host/OptimalResults.h"
 #include "host/Proposals.h"
 
 namespace {
+
+// The engine's status of a search that the user stopped.
+constexpr int cUserBreak = 6011;
+// More blocks than a D-optimal design can have; the legal ones are told later.
+constexpr unsigned int cMostBlocksOfAModel = 10;
 
 // A count that the user gave, and where.
 struct Given {
@@ -102,7 +109,8 @@ void OverlayStudyOptions(DesignOptions& options, const DesignBuilder& builder, c
         const std::string& name = study.options.get_child_name(i);
         // Centre points are set already; whether the others are legal depends on all the rest, so
         // they are set last.
-        if (name == "centerPoints" || name == "runs" || name == "blocks" || name == "generators") {
+        if (name == "centerPoints" || name == "runs" || name == "blocks" || name == "generators" ||
+            name == "modelTerms") {
             continue;
         }
         overlaid.put_child(name) = name == "designSpecificOptions"
@@ -243,47 +251,6 @@ void SetCounts(DesignOptions& options,
     SetRunsAndBlocks(options, builder, study, request);
 }
 
-// Mirror images are made of the plain runs, so nothing may stand among them.
-void RequireFoldable(const PB* design, const BuiltDesign& built, const Study& study) {
-    const auto refuse = [&](const std::string& reason) {
-        FailWith(fmt::format("--fold-over: {}.", reason));
-    };
-    if (design == nullptr) {
-        refuse(fmt::format("the design {} cannot be folded over; PB and PB_SS can",
-                           built.builder->GetShortString()));
-    }
-    for (const StudyFactor& factor : study.factors.All()) {
-        if (factor.type == CEType::Multilevel || factor.type == CEType::Qualitative) {
-            refuse(
-                fmt::format("the factor {} has levels, whose order cannot be reversed; only "
-                            "designs of continuous factors can be folded over",
-                            Quoted(factor.name)));
-        }
-    }
-    if (built.options.GetBlocks() > 1) {
-        refuse("a design in blocks cannot be folded over");
-    }
-    if (built.options.GetReplicates() > 0 || built.options.GetReplicatedRuns() > 0) {
-        refuse("a design with replicates or replicated runs cannot be folded over");
-    }
-    const long long runs = 2LL * built.options.GetRuns() + built.options.GetCenterPoints();
-    if (built.options.GetMaxRuns() != DesignOptions::cNoRunLimit &&
-        runs > static_cast<long long>(built.options.GetMaxRuns())) {
-        refuse(
-            fmt::format("{} runs with the mirror image and the centre points exceed the run limit "
-                        "of {}",
-                        runs,
-                        built.options.GetMaxRuns()));
-    }
-}
-
-void FoldOver(BuiltDesign& built, const Study& study) {
-    PB* const design = dynamic_cast<PB*>(built.design.get());
-    RequireFoldable(design, built, study);
-    design->FoldOver(0, study.factors, built.options);
-    built.isFoldedOver = true;
-}
-
 void RequireTotal(const DesignOptions& options, const Study& study) {
     const auto wide = [](unsigned int count) { return static_cast<unsigned long long>(count); };
     const unsigned long long once = wide(options.GetRuns()) + options.GetCenterPoints();
@@ -326,10 +293,35 @@ Conditions RequestedConditions(const Study& study, const DesignRequest& request)
     return conditions;
 }
 
+// The blocks as they are asked for, since the model of a D-optimal design depends on them; whether
+// they are legal is judged with the runs.
+void PrepareOptimal(BuiltDesign& built, const Study& study, const DesignRequest& request) {
+    RequireOptimalDesign(request.optimal, *built.builder);
+    if (!IsDOptimal(*built.builder)) {
+        return;
+    }
+    if (const auto blocks = GivenCount(request.blocks, "--blocks", study, "blocks")) {
+        built.options.SetBlocks(std::clamp(CountOf(*blocks), 1U, cMostBlocksOfAModel));
+    }
+    ApplyOptimalRequest(request.optimal, study, *built.builder, built.options);
+}
+
+void SelectResult(BuiltDesign& built, const Study& study, long long number) {
+    auto* const design = dynamic_cast<D_Optimal*>(built.design.get());
+    if (design != nullptr) {
+        SelectOptimalResult(*design, number, study.factors, built.options, "--select");
+    }
+}
+
 // The engine says what failed but not for which design.
 std::unique_ptr<NCDesign> Build(const BuiltDesign& built, const Study& study) {
     try {
         return built.builder->Build(study.factors, built.options);
+    } catch (const CancelException&) {
+        if (!IsDOptimal(*built.builder)) {
+            throw;
+        }
+        throw StoppedWork(D_Optimal::GetErrorString(cUserBreak, nullptr));
     } catch (const Exception& exception) {
         const unsigned int blocks = built.options.GetBlocks();
         FailWith(fmt::format("{}: the design {} cannot be built for {} factors and {} runs{}: {}",
@@ -342,36 +334,65 @@ std::unique_ptr<NCDesign> Build(const BuiltDesign& built, const Study& study) {
     }
 }
 
+std::string Refusal(const BuiltDesign& built, const Study& study) {
+    return fmt::format("{}: the design {} is not valid for this study.",
+                       study.file,
+                       built.builder->GetShortString());
+}
+
+// A series of design sets is no worksheet of runs.
+void RequireWorksheetDesign(const DesignBuilder& builder) {
+    if (EDesign::IsStabilityDesign(builder.IsDesign())) {
+        FailWith(fmt::format("The design {} is made by the command {}.",
+                             Quoted(builder.GetShortString()),
+                             builder.IsDesign() == EDesign::Stability ? "stability" : "subsets"));
+    }
+}
+
 BuilderHandle ChooseBuilder(const Study& study,
                             const DesignRequest& request,
                             const Conditions& conditions) {
     const std::string& name = request.design.empty() ? study.design : request.design;
-    return name.empty() ? StrongestBuilder(study, conditions) : NamedBuilder(name);
+    BuilderHandle builder = name.empty() ? StrongestBuilder(study, conditions) : NamedBuilder(name);
+    RequireWorksheetDesign(*builder);
+    return builder;
 }
 
 }  // namespace
 
-BuiltDesign MakeDesign(const Study& study, const DesignRequest& request) {
+BuiltDesign PrepareDesign(const Study& study, const DesignRequest& request) {
     const Conditions conditions = RequestedConditions(study, request);
     BuiltDesign built;
     built.builder = ChooseBuilder(study, request, conditions);
     const DesignBuilder& builder = *built.builder;
     built.options = MakeOptions(builder, conditions);
     OverlayStudyOptions(built.options, builder, study);
-    const std::string refusal = fmt::format(
-        "{}: the design {} is not valid for this study.", study.file, builder.GetShortString());
+    PrepareOptimal(built, study, request);
     if (!KeepsRunLimit(built.options) || !KeepsConstraints(builder, conditions) ||
         !builder.IsValid(study.factors, built.options, false, false)) {
-        ThrowNoValidDesign(refusal, conditions, {built.builder});
+        ThrowNoValidDesign(Refusal(built, study), conditions, {built.builder});
     }
     SetCounts(built.options, builder, study, request);
     RequireTotal(built.options, study);
+    if (IsDOptimal(builder)) {
+        RequireSearchable(built.options);
+        built.options.SetModel(SearchedModel(built.options));
+    }
+    return built;
+}
+
+BuiltDesign MakeDesign(const Study& study, const DesignRequest& request) {
+    BuiltDesign built = PrepareDesign(study, request);
     built.design = Build(built, study);
     if (!built.design || !built.design->GetDesignMatrix()) {
-        ThrowNoValidDesign(refusal, conditions, {built.builder});
+        ThrowNoValidDesign(
+            Refusal(built, study), RequestedConditions(study, request), {built.builder});
+    }
+    if (request.optimal.select) {
+        SelectResult(built, study, *request.optimal.select);
     }
     if (request.foldOver) {
-        FoldOver(built, study);
+        MakeFoldOver(built, study);
     }
     return built;
 }

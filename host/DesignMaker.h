@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/DesignNames.h"
+#include "host/OptimalRequest.h"
 #include "host/Study.h"
 
 /// What a user may ask for beside the study; what is given wins over the study.
@@ -18,6 +19,7 @@ struct DesignRequest {
     std::optional<long long> replicatedRuns;
     std::optional<std::string> generators;  // as GeneratorText reads them; without: the study's
     bool foldOver = false;                  // append the mirror image of the runs
+    OptimalRequest optimal;                 // of a D-optimal design
 };
 
 /// A built design. It borrows the study's factors.
@@ -29,7 +31,12 @@ struct BuiltDesign {
 };
 
 /// Builds the design that study and request ask for.
+/// A D-optimal design has the model in its options that was searched for.
 /// @throws NoValidDesign saying which condition stands in the way; Exception for a count that the
 ///         family does not allow, naming those it does, for generators that do not fit and for a
 ///         design that cannot be folded over; what the engine throws while it generates
+/// @throws StoppedWork when the user stopped a search, with the engine's text
 [[nodiscard]] BuiltDesign MakeDesign(const Study& study, const DesignRequest& request);
+
+/// The options that MakeDesign would build from, and the family; nothing is built.
+[[nodiscard]] BuiltDesign PrepareDesign(const Study& study, const DesignRequest& request);

@@ -11,6 +11,12 @@ class NoValidDesign : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The user stopped the work, and there is more to say about it than that.
+class StoppedWork : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 /// Raises an Exception, that is an error the user can repair, with exactly this text.
 [[noreturn]] void FailWith(const std::string& text);
 

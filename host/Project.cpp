@@ -11,6 +11,8 @@
 namespace {
 
 constexpr int cVersion = 1;
+// Candidates of a search; more do not fit into a memory of today.
+constexpr int cMostCandidateRows = 10'000'000;
 
 // Reads of one section that say where something is missing.
 class SectionReader {
@@ -142,6 +144,31 @@ BuilderHandle LoadBuilder(const ConfigurationSection& root, const std::string& p
     return builder;
 }
 
+// Row numbers decide how often candidates are repeated, and so how much memory is taken.
+void RequireResults(const D_Optimal& design, const std::string& path) {
+    if (design.GetResults().empty()) {
+        FailWith(fmt::format("{}: the project has no results of its search.", path));
+    }
+    for (const DOptResults& result : design.GetResults()) {
+        const bool fits = !result.rows.empty() &&
+                          static_cast<long long>(result.rows.size()) <= StudyLimits::cMaxRuns &&
+                          std::ranges::all_of(result.rows, [](int row) {
+                              return row >= 1 && row <= cMostCandidateRows;
+                          });
+        if (!fits) {
+            FailWith(
+                fmt::format("{}: a result of the search picks candidates that cannot be.", path));
+        }
+    }
+    const int count = static_cast<int>(design.GetResults().size());
+    if (design.GetSelectedIndex() < 0 || design.GetSelectedIndex() >= count) {
+        FailWith(fmt::format("{}: the selected result {} is none of the {} there are.",
+                             path,
+                             design.GetSelectedIndex() + 1LL,
+                             count));
+    }
+}
+
 }  // namespace
 
 std::vector<WorksheetRun> Project::Runs() const {
@@ -190,5 +217,19 @@ Project LoadProject(const std::string& path) {
                         path));
     }
     LoadWorksheet(project, *root, path);
+    if (const auto* family =
+            dynamic_cast<const D_OptimalOptions*>(project.options.GetDesignSpecificOptions())) {
+        RequireSound(*family, project.study.factors, project.options.GetBlocks(), path);
+    }
     return project;
+}
+
+std::unique_ptr<D_Optimal> LoadOptimalDesign(const Project& project, const std::string& path) {
+    if (!IsDOptimal(*project.builder)) {
+        return nullptr;
+    }
+    const ConfigurationStore store = ConfigurationStore::LoadFromFile(path);
+    auto design = std::make_unique<D_Optimal>(project.study.factors, *store.OpenRoot());
+    RequireResults(*design, path);
+    return design;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,14 @@ struct Project {
 /// Saves the project in one step. A file that was there stays as it was when saving fails.
 /// @throws Exception naming the file and the reason
 void SaveProject(const Project& project, const NCDesign& design, const std::string& path);
+
+/// The D-optimal design of a project with all its results, but without a matrix. It borrows the
+/// factors of the project.
+/// @param path the project's file
+/// @return null for a project of another design
+/// @throws Exception naming the file and what is wrong in it
+[[nodiscard]] std::unique_ptr<D_Optimal> LoadOptimalDesign(const Project& project,
+                                                           const std::string& path);
 
 /// @throws Exception naming the file and what is wrong in it
 [[nodiscard]] Project LoadProject(const std::string& path);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/GeneratorText.h"
+#include "host/OptimalResults.h"
 #include "host/Project.h"
 #include "host/TextTable.h"
 
@@ -85,5 +86,8 @@ void RunShow(const ShowArguments& arguments, std::ostream& out) {
         MakeWorksheetTable(project.Runs(), project.study.factors, arguments.coded);
     PrintStudy(project.study, out);
     PrintOptions(project, out);
+    if (const auto design = LoadOptimalDesign(project, arguments.project)) {
+        out << FormatOptimalResults(*design, project.study.factors, project.options) << '\n';
+    }
     out << FormatTable(table.header, table.lines);
 }

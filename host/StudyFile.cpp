@@ -124,6 +124,7 @@ json_value ReadOptions(const JsonPlace& place) {
                           "maxRuns",
                           "starDistance",
                           "generators",
+                          "modelTerms",
                           "designSpecificOptions"});
     const auto check = [&](std::string_view name, long long least) {
         if (place.Has(name)) {
@@ -143,6 +144,9 @@ json_value ReadOptions(const JsonPlace& place) {
         !place.Member("generators").Value().is_string()) {
         place.Member("generators")
             .Refuse(R"(must be an array of words or a text such as "E=ABCD")");
+    }
+    if (place.Has("modelTerms")) {
+        static_cast<void>(place.Member("modelTerms").Text());
     }
     return place.Value();
 }

@@ -10,6 +10,7 @@
 #include "designs/optimal/DOptFactorRef.h"
 #include "designs/optimal/DOptGen.h"
 #include "designs/optimal/DOptProgress.h"
+#include "designs/optimal/QuadraticSupport.h"
 #include "designs/optimal/UnitScale.h"
 #include "foundation/util/NCProgress.h"
 #include "frame/generators/Generators.h"
@@ -257,6 +258,40 @@ void Show(NCProgress* progress, float value) {
     }
 }
 
+// The vertices, then the centroids, in units.
+PointTable UnitPoints(const DOptGen& generator) {
+    PointTable points = generator.GetRegion()->vertices;
+    const CtdList* centroids = generator.GetCentroids();
+    for (int row = 0; centroids != nullptr && row < centroids->points.Size(); ++row) {
+        points.Append(centroids->points.Row(row));
+    }
+    return points;
+}
+
+// Whether edges were turned away for want of room, and those that stayed leave a quadratic model
+// undetermined: of equally long edges the first stay, and these may all run in some directions
+// only.
+bool LacksQuadraticModel(const DOptGen& generator) {
+    return generator.GetCentroids()->CountOfDimension(1) >= cMaxEdgePoints &&
+           !DeterminesQuadraticModel(UnitPoints(generator), generator.HasMixture());
+}
+
+// One point an edge instead of two: twice as many edges find room. The thirds come back where that
+// does not help either.
+void TakeEdgeCentres(const CentroidPlan& plan,
+                     const WorkingScale& working,
+                     const StopTest& stop,
+                     DOptGen& generator) {
+    for (const bool centres : {true, false}) {
+        generator.SetEdgeCentres(centres);
+        generator.SetEdgeThirds(!centres);
+        Require(generator.ComputeCentroids(plan, working, stop));
+        if (!LacksQuadraticModel(generator)) {
+            return;
+        }
+    }
+}
+
 // Runs both steps of a block.
 void ComputePoints(const BlockRequest& request,
                    const CentroidPlan& plan,
@@ -276,6 +311,9 @@ void ComputePoints(const BlockRequest& request,
     block.generator.SetEdgeThirds(plan.edgeThirds);
     const WorkingScale working = scale.MakeWorkingScale(block.generator.GetRegion()->vertices);
     Require(block.generator.ComputeCentroids(plan, working, stop));
+    if (plan.edgeThirds && !plan.edgeCentres && LacksQuadraticModel(block.generator)) {
+        TakeEdgeCentres(plan, working, stop, block.generator);
+    }
     Show(request.progress, cStepProgress);
 }
 
@@ -293,16 +331,6 @@ BlockCounts CountBlock(const DOptGen& generator, const CentroidPlan& plan) {
         }
     }
     return counts;
-}
-
-// The vertices, then the centroids, in units.
-PointTable UnitPoints(const DOptGen& generator) {
-    PointTable points = generator.GetRegion()->vertices;
-    const CtdList* centroids = generator.GetCentroids();
-    for (int row = 0; centroids != nullptr && row < centroids->points.Size(); ++row) {
-        points.Append(centroids->points.Row(row));
-    }
-    return points;
 }
 
 CandidateBlock MakeBlock(const DOptFactorAdapter& factors,

@@ -1,5 +1,7 @@
 #include "designs/optimal/DOptProgress.h"
 
+#include <atomic>
+
 #include "foundation/util/NCProgress.h"
 
 namespace DOpt {
@@ -8,8 +10,8 @@ namespace {
 
 // Shared by all searches of the process: what the one progress bar shows. Two searches at once
 // disturb each other's bar and nothing else.
-float shownValue = 0;
-float baseValue = 0;
+std::atomic<float> shownValue = 0;
+std::atomic<float> baseValue = 0;
 
 void MoveShownValue(EClassName event, float value) {
     switch (event) {

@@ -152,10 +152,12 @@ unsigned int WidthOfFactor(const Factors& factors, int factor, int slack, int bl
     if (factor == slack) {
         return 0;
     }
-    if (factor == static_cast<int>(factors.GetDesignFactorCount()) && blocks > 1) {
+    const int count = static_cast<int>(factors.GetDesignFactorCount());
+    if (factor == count && blocks > 1) {
         return static_cast<unsigned int>(blocks - 1);
     }
-    return factors.GetExpandedVariableCount(factor);
+    // A stored model may name a factor that was taken out since; it has no column.
+    return factor >= 0 && factor < count ? factors.GetExpandedVariableCount(factor) : 0;
 }
 
 D_OptimalOptions::Model ModelOf(const D_OptimalBuilder& builder,

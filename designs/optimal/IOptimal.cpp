@@ -38,6 +38,7 @@ void AssureNotCancelled(const boost::function<bool()>& cancelled) {
 
 std::vector<const double*> RowPointers(const PaddedMatrix& matrix) {
     std::vector<const double*> rows;
+    rows.reserve(matrix.Rows());
     for (std::size_t i = 0; i < matrix.Rows(); ++i) {
         rows.push_back(matrix.Row(i));
     }
@@ -104,6 +105,7 @@ std::vector<int> IOptimal::GetDesign(unsigned int runs,
                                      const std::vector<int>* start,
                                      // NOLINTNEXTLINE(performance-unnecessary-value-param)
                                      boost::function<bool()> cancelled) const {
+    const boost::function<bool()> isCancelled = std::move(cancelled);
     const PaddedMatrix& candidates = data_->mCandidates;
     const std::size_t size = start ? start->size() : runs;
     if (size < candidates.Columns()) {
@@ -121,16 +123,16 @@ std::vector<int> IOptimal::GetDesign(unsigned int runs,
         args.mDesign = *start;
     } else {
         args.mDesign.assign(size, 0);
-        DrawStart(args, seed, maxIterations, cancelled);
+        DrawStart(args, seed, maxIterations, isCancelled);
     }
     args.mIValue = GetIValue(args.mDesign);
-    AssureNotCancelled(cancelled);
+    AssureNotCancelled(isCancelled);
     if (std::isnan(args.mIValue)) {
         // No exchange compares with it.
         return args.mDesign;
     }
     for (unsigned int left = maxIterations; NextIter(args) && left != 0; --left) {
-        AssureNotCancelled(cancelled);
+        AssureNotCancelled(isCancelled);
     }
     return args.mDesign;
 }
@@ -183,8 +185,7 @@ double IOptimal::IValueOf(const std::vector<const double*>& rows) const {
             "IOptimal::GetIValue : The design must contain at least as many rows as there are "
             "variables.");
     }
-    const auto inverse =
-        InverseInformation::BySingularValues(InverseInformation::CrossProduct(rows, columns));
+    const auto inverse = InverseInformation::Find(InverseInformation::CrossProduct(rows, columns));
     if (!inverse) {
         return std::numeric_limits<double>::quiet_NaN();
     }

@@ -187,6 +187,26 @@ int ModelExpansion::GetModelTerms() const {
     return 1 + generator_.GetVariables() - (slack_ != 0 ? 1 : 0) + static_cast<int>(model_.size());
 }
 
+std::vector<std::vector<int>> ModelExpansion::GetColumns() const {
+    std::vector<std::vector<int>> columns{{}};
+    std::vector<int> variables{0};  // of the columns of main effects, 0 for the constant
+    for (int variable = 1; variable <= generator_.GetVariables(); ++variable) {
+        if (variable != slack_) {
+            columns.push_back({variable});
+            variables.push_back(variable);
+        }
+    }
+    for (const Product& product : model_) {
+        std::vector<int>& column = columns.emplace_back();
+        for (const int main : product) {
+            if (main != 0) {
+                column.push_back(variables[static_cast<std::size_t>(main)]);
+            }
+        }
+    }
+    return columns;
+}
+
 void ModelExpansion::FillMainEffects(std::span<const float> source, std::span<float> target) const {
     std::size_t next = 0;
     for (int variable = 1; variable <= generator_.GetVariables(); ++variable) {

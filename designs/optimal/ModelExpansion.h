@@ -38,6 +38,9 @@ class ModelExpansion {
     [[nodiscard]] int GetModelTerms() const;
     /// Columns of the potential terms.
     [[nodiscard]] int GetPotentialTerms() const { return static_cast<int>(potential_.size()); }
+    /// The variables, one-based and ascending, that are multiplied in each column of the model; an
+    /// empty list is the constant.
+    [[nodiscard]] std::vector<std::vector<int>> GetColumns() const;
     /// One-based, 0 without mixture.
     [[nodiscard]] int GetSlackVariable() const { return slack_; }
 

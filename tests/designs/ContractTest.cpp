@@ -95,11 +95,6 @@ struct UnsearchableSet {
 constexpr const char* cNoThirdLevel = "a factor of 2 levels has no square of its own";
 
 constexpr std::array cUnsearchable{
-    UnsearchableSet{EDesign::DOpt,
-                    "8 quantitative",
-                    true,
-                    "of the many edges only 500 points are kept, on none of which the first "
-                    "factors stand between their limits: no candidates for a quadratic model"},
     UnsearchableSet{EDesign::DOpt, "one multilevel of 2, 2 quantitative", true, cNoThirdLevel},
     UnsearchableSet{EDesign::DOpt, "one of 2 levels, four quantitative", true, cNoThirdLevel},
 };

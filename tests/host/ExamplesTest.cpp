@@ -110,24 +110,17 @@ TEST(ConstrainedExamples, HaveTheirVerticesAndOnlyCandidatesInside) {
 }
 
 TEST(ExampleSizes, AreThoseOfThePublishedExperiments) {
-    const std::map<std::string, int> published{{"01-filtration-rate", 16},
-                                               {"02-pilot-plant", 16},
-                                               {"03-reactor", 32},
-                                               {"04-survival-times", 48},
-                                               {"05-worsted-yarn", 27},
-                                               {"06-battery-life", 36},
-                                               {"07-bicycle", 8},
-                                               {"08-reactor-half-fraction", 16},
-                                               {"09-cast-fatigue", 12},
-                                               {"10-rubber", 14},
-                                               {"11-surface-defects", 9},
-                                               {"12-definitive-screening", 13},
-                                               {"13-process-yield", 13},
-                                               {"14-tire-tread", 20},
-                                               {"15-box-behnken", 27},
-                                               {"16-doehlert", 13},
-                                               {"17-rechtschaffner", 21},
-                                               {"18-yarn-elongation", 10}};
+    const std::map<std::string, int> published{
+        {"01-filtration-rate", 16}, {"02-pilot-plant", 16},
+        {"03-reactor", 32},         {"04-survival-times", 48},
+        {"05-worsted-yarn", 27},    {"06-battery-life", 36},
+        {"07-bicycle", 8},          {"08-reactor-half-fraction", 16},
+        {"09-cast-fatigue", 12},    {"10-rubber", 14},
+        {"11-surface-defects", 9},  {"12-definitive-screening", 13},
+        {"13-process-yield", 13},   {"14-tire-tread", 20},
+        {"15-box-behnken", 27},     {"16-doehlert", 13},
+        {"17-rechtschaffner", 21},  {"18-yarn-elongation", 10},
+        {"21-adhesive", 12},        {"22-baking", 15}};
     for (const auto& [name, runs] : published) {
         const Study study = ReadExample(name);
         EXPECT_EQ(MakeDesign(study, {}).design->GetDesignMatrix()->SizeRows(), runs) << name;
@@ -147,6 +140,25 @@ TEST(ExampleContents, AreThoseOfThePublishedExperiments) {
     EXPECT_NEAR(MakeDesign(yield, {}).options.GetStarDistance(), std::sqrt(2.0), 5e-4);
     const Study tread = ReadExample("14-tire-tread");
     EXPECT_FLOAT_EQ(MakeDesign(tread, {}).design->GetDesignMatrix()->RowSpan(9)[0], -1.633F);
+}
+
+TEST(OptimalExamples, AdhesiveKeepsItsConstraints) {
+    const Study study = ReadExample("21-adhesive");
+    const auto runs = MakeDesign(study, {}).design->GetDesignMatrix();
+    for (int run = 1; run <= runs->SizeRows(); ++run) {
+        const float sum = (*runs)(run, 1) + (*runs)(run, 2);
+        EXPECT_GE(sum, -1.5F - 1e-5F) << "run " << run;
+        EXPECT_LE(sum, 1 + 1e-5F) << "run " << run;
+    }
+}
+
+TEST(OptimalExamples, BakingIsSearchedForItsTerms) {
+    const Study study = ReadExample("22-baking");
+    const BuiltDesign built = MakeDesign(study, {});
+    const auto& family =
+        dynamic_cast<const D_OptimalOptions&>(*built.options.GetDesignSpecificOptions());
+    EXPECT_EQ(family.GetModel(EDesign::DOpt, study.factors, built.options),
+              (D_OptimalOptions::Model{{}, {0}, {1}, {2}, {0, 1}, {0, 0}, {1, 1}, {0, 2}}));
 }
 
 }  // namespace

@@ -12,9 +12,10 @@ namespace {
 constexpr double cLeastLift = 1e-6;
 /// Gain of no exchange at all.
 constexpr float cNoGain = -0.99F;
-/// The carried log determinant is a float: where it is large a lift may be lost in it. So many
-/// lifts in a row that leave it as it was are taken for a circle.
-constexpr int cMaxSilentLifts = 1000;
+/// Better designs in a row, for each run, before a search that finds ever new ones is given up; a
+/// sound search needs less than three.
+constexpr std::size_t cMaxLiftsOfRun = 100;
+constexpr std::size_t cLeastMaxLifts = 1000;
 
 // What fits a normal float: less is 0, more the largest.
 float ToFloat(double value) {
@@ -65,7 +66,11 @@ ExchangeSearch::ExchangeSearch(const ExchangeModel& model, int width, ProgressEv
 Status ExchangeSearch::ExchangeRounds(DOptDesignState& current) {
     std::ranges::sort(current.rows);
     best_ = current;
+    current_ = current;
     ClearUsed();
+    visited_.clear();
+    static_cast<void>(IsNewDesign());
+    hasTurnedBack_ = false;
     const int limit = RoundLimit();
     Status status = Success;
     for (int count = 1; status == Success; ++count) {
@@ -80,7 +85,7 @@ Status ExchangeSearch::ExchangeRounds(DOptDesignState& current) {
         }
         if (status == Success) {
             std::ranges::for_each(move_.tried, [this](int row) { SetUsed(row); });
-            if (IsTriedOut()) {
+            if (hasTurnedBack_ || IsTriedOut()) {
                 break;
             }
         }
@@ -101,7 +106,6 @@ bool ExchangeSearch::IsTriedOut() const {
 // `count` is the number of rounds without a better design.
 Status ExchangeSearch::ExchangePass(int& count) {
     current_ = best_;
-    int silentLifts = 0;
     int failures = 0;
     for (int pass = 1;; ++pass) {
         const Status status = progress_(Round, static_cast<float>(count - 1));
@@ -123,12 +127,10 @@ Status ExchangeSearch::ExchangePass(int& count) {
             if (failures == 1) {
                 move_.tried = pass == 1 ? leaving_ : std::vector<int>();
             }
-            if (failures == 2 || pass > 1) {
+            // Where the best exchange gains nothing, a further pass that bars it could gain no
+            // more.
+            if (failures == 2 || pass > 1 || move_.gain <= 0) {
                 return Success;
-            }
-            if (move_.gain <= 0) {
-                move_.tabu.emplace(move_.from, move_.to);
-                continue;
             }
         } else {
             failures = 0;
@@ -146,14 +148,35 @@ Status ExchangeSearch::ExchangePass(int& count) {
         }
         move_.tabu = {{move_.to, move_.from}};  // the step back
         if (failures == 0) {
-            silentLifts = current_.logDeterminant == best_.logDeterminant ? silentLifts + 1 : 0;
-            if (silentLifts > cMaxSilentLifts) {
-                return NotConverged;
+            const Status kept = KeepBetter();
+            if (kept != Success || hasTurnedBack_) {
+                return kept;
             }
-            best_ = current_;
             count = 0;
         }
     }
+}
+
+Status ExchangeSearch::KeepBetter() {
+    hasTurnedBack_ = !IsNewDesign();
+    if (hasTurnedBack_) {
+        return Success;
+    }
+    if (visited_.size() > std::max(cLeastMaxLifts, cMaxLiftsOfRun * best_.rows.size())) {
+        return NotConverged;
+    }
+    best_ = current_;
+    return Success;
+}
+
+// A determinant that only rises never comes back to a design. Where it seems to, the rounding of
+// the updates, of a badly conditioned design as a rule, is all that still changes.
+bool ExchangeSearch::IsNewDesign() {
+    std::uint64_t key = 0xcbf29ce484222325;  // FNV-1a over whole numbers
+    for (const int row : current_.rows) {
+        key = (key ^ static_cast<std::uint64_t>(row)) * 0x100000001b3;
+    }
+    return visited_.insert(key).second;
 }
 
 std::vector<int> ExchangeSearch::LeavingPoints() const {

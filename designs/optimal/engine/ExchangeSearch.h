@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <set>
 #include <utility>
 #include <vector>
@@ -31,13 +32,16 @@ class ExchangeSearch {
     /// @param width leaving points examined in one exchange
     ExchangeSearch(const ExchangeModel& model, int width, ProgressEvent progress);
 
-    /// Improves a design until no leaving point is left to try.
+    /// Improves a design until no leaving point is left to try, or until the search comes back to a
+    /// design that it had found worse.
     /// Success, NotConverged, IllegalArgument for a determinant that would not stay positive, or
     /// what the callback answers.
     Status ExchangeRounds(DOptDesignState& current);
 
   private:
     Status ExchangePass(int& count);
+    [[nodiscard]] Status KeepBetter();
+    [[nodiscard]] bool IsNewDesign();
     [[nodiscard]] std::vector<int> LeavingPoints() const;
     void ListEntering();
     void BestExchange();
@@ -63,10 +67,12 @@ class ExchangeSearch {
     DOptDesignState best_;
     DOptDesignState current_;
     DOptMove move_;
-    std::vector<int> used_;           // leaving candidates that are set aside
-    std::vector<int> leaving_;        // by ascending variance
-    std::vector<int> entering_;       // ascending
-    std::vector<std::size_t> tiles_;  // with an entering candidate
+    std::set<std::uint64_t> visited_;  // keys of all designs that were the best
+    bool hasTurnedBack_ = false;       // to one of them
+    std::vector<int> used_;            // leaving candidates that are set aside
+    std::vector<int> leaving_;         // by ascending variance
+    std::vector<int> entering_;        // ascending
+    std::vector<std::size_t> tiles_;   // with an entering candidate
     std::vector<double> x_;
     std::array<std::vector<double>, TileKernels::cVectors> images_;    // M x of leaving points
     std::array<std::vector<double>, TileKernels::cVectors> products_;  // x_k' M x by candidate

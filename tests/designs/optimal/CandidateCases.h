@@ -1,11 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "designs/optimal/D_OptimalOptions.h"
 #include "designs/optimal/GenerateCandidateset.h"
+#include "foundation/utl/Exceptions.h"
 #include "frame/DesignOptions.h"
 #include "tests/support/TestFactors.h"
 
@@ -55,6 +58,33 @@ inline Candidates Generate(const Factors& factors, const Request& request) {
 
 inline int Sum(const DOpt::NumData& counts) {
     return counts.ExtVert + counts.NumEdges + counts.NumHiDimCent;
+}
+
+/// The text of the refusal; empty when there is none.
+inline std::string MessageOf(const Factors& factors, const Request& request) {
+    try {
+        Generate(factors, request);
+    } catch (const Exception& error) {
+        return error.what();
+    }
+    return "";
+}
+
+inline NCDOE::Constraint AtMost(std::vector<NCDOE::Constraint::Term> terms, double value) {
+    return {std::move(terms), value, false};
+}
+
+inline NCDOE::Constraint AtLeast(std::vector<NCDOE::Constraint::Term> terms, double value) {
+    return {std::move(terms), value, true};
+}
+
+/// `count` rows from row `first` on, in no order.
+inline std::set<std::vector<float>> RowSet(const NCDataMatrix<float>& rows, int first, int count) {
+    std::set<std::vector<float>> set;
+    for (int row = first; row < first + count; ++row) {
+        set.emplace(rows.RowSpan(row).begin(), rows.RowSpan(row).end());
+    }
+    return set;
 }
 
 }  // namespace CandidateCases

@@ -210,6 +210,22 @@ TEST(ModelExpansion, QuadraticMixturesHaveCubes) {
     EXPECT_EQ(Setting(factors).PotentialTerms(EModel::None, EModel::Quadratic, {}), 2);
 }
 
+// All pairs of 20 components are the 190 terms that may be added; 19 of them have the slack
+// variable.
+TEST(ModelExpansion, MixturesOfUpToTwentyHavePotentialPairsAndOfUpToTwelveCubes) {
+    const auto terms = [](int components, EModel::Type model) {
+        TestFactors factors;
+        for (int i = 0; i < components; ++i) {
+            factors.Formulation();
+        }
+        return Setting(factors).PotentialTerms(EModel::None, model, {});
+    };
+    EXPECT_EQ(terms(20, EModel::Linear), 190 - 19);
+    EXPECT_EQ(terms(21, EModel::Linear), 0);
+    EXPECT_EQ(terms(12, EModel::Quadratic), 11);
+    EXPECT_EQ(terms(13, EModel::Quadratic), 0);
+}
+
 TEST(ModelExpansion, WithoutAModelThereAreNoPotentialTerms) {
     const TestFactors factors = TestFactors().Quantitatives(3);
     EXPECT_EQ(Setting(factors).PotentialTerms(EModel::None, EModel::None, {}), 0);

@@ -133,6 +133,26 @@ TEST(DOptExchange, TenRunsOfNineFactorsReachTheEhlichBound) {
     EXPECT_GE(reached, 18);
 }
 
+// The largest determinants of matrices of -1 and 1 (Williamson, 1946; Ehlich and Zeller, 1962):
+// saturated designs of n - 1 factors.
+TEST(DOptExchange, SaturatedLinearDesignsReachTheLargestDeterminants) {
+    const double determinants[] = {4, 16, 48, 160, 576, 4096, 14336};
+    for (int runs = 3; runs <= 9; ++runs) {
+        const double largest = 2 * std::log10(determinants[runs - 3]);
+        const Rows rows = Expanded(Grid(runs - 1, 2), Model::Linear);
+        int reached = 0;
+        for (unsigned seed = 1; seed <= cSeeds; ++seed) {
+            double best = -99;
+            for (const auto& result : FindDesigns(rows, Settings(runs, seed), 20).results) {
+                best = std::max(best, static_cast<double>(result.figures.logDeterminant));
+            }
+            EXPECT_LE(best, largest + 1e-5) << runs << " runs, seed " << seed;
+            reached += best > largest - 1e-5 ? 1 : 0;
+        }
+        EXPECT_GE(reached, 18) << runs << " runs";
+    }
+}
+
 /// Median over the seeds of the best of five repetitions.
 double MedianEfficiency(const Rows& rows, int runs) {
     std::vector<double> reached;
@@ -376,6 +396,13 @@ TEST(DOptExchange, BalanceAsksForEveryLevelEquallyOften) {
     EXPECT_TRUE(DOpt::IsBalanced(model, {1, 1, 2, 2, 3, 3}, {{2, 3}}));
     EXPECT_FALSE(DOpt::IsBalanced(model, {1, 1, 2, 3}, {{2, 3}}));
     EXPECT_FALSE(DOpt::IsBalanced(model, {1, 2}, {{2, 3}}));
+}
+
+TEST(DOptExchange, BalanceCutsCellsToWholeNumbers) {
+    const ExchangeModel model({{1, 0.9F}, {1, 1.9F}, {1, -0.9F}, {1, 1}}, 0);
+    EXPECT_TRUE(DOpt::IsBalanced(model, {1, 2}, {{2, 2}}));
+    EXPECT_TRUE(DOpt::IsBalanced(model, {1, 3, 2, 4}, {{2, 2}}));
+    EXPECT_FALSE(DOpt::IsBalanced(model, {1, 3}, {{2, 2}}));
 }
 
 TEST(DOptExchange, BalanceAsksForAllFactors) {

@@ -1,6 +1,7 @@
 // The parts of the exchange, each against plain sums.
 #include <gtest/gtest.h>
 
+#include "designs/optimal/IOptimal.h"
 #include "designs/optimal/engine/DesignFigures.h"
 #include "designs/optimal/engine/ExchangeModel.h"
 #include "designs/optimal/engine/InformationInverse.h"
@@ -351,6 +352,29 @@ TEST(DesignFigures, LookAtPrimaryColumnsOnly) {
     EXPECT_EQ(a.logDeterminant, b.logDeterminant);
     EXPECT_EQ(a.gEfficiency, b.gEfficiency);
     EXPECT_EQ(a.iValue, b.iValue);
+}
+
+// Two roads to one figure: the mean of the candidates' variances here, the trace of a product
+// there.
+TEST(DesignFigures, IValueIsThatOfTheSearchForIt) {
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        const NCDataMatrix<float> rows = ToMatrix(Random(60, 7, seed));
+        const ExchangeModel model(rows, 0);
+        const NCDOE::IOptimal search(rows);
+        std::mt19937 engine(seed);
+        std::vector<int> design;
+        for (int i = 0; i < 8 + static_cast<int>(seed); ++i) {
+            design.push_back(static_cast<int>(engine() % 60));
+        }
+        DOpt::ExchangeFigures figures;
+        ASSERT_EQ(DOpt::ComputeFigures(model, design, nullptr, figures), DOpt::Success);
+        const double value = search.GetIValue(design);
+        EXPECT_EQ(std::isnan(figures.iValue), std::isnan(value)) << "seed " << seed;
+        if (!std::isnan(value)) {
+            EXPECT_NEAR(static_cast<double>(figures.iValue), value, 1e-5 * value)
+                << "seed " << seed;
+        }
+    }
 }
 
 TEST(DesignFigures, ADependentDesignIsSingular) {
