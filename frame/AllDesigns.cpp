@@ -19,6 +19,7 @@
 #include "designs/mixture/Ax.h"
 #include "designs/mixture/SimDesign.h"
 #include "designs/optimal/D_OptimalBuilder.h"
+#include "designs/optimal/OnionBuilder.h"
 #include "designs/rsm/BB.h"
 #include "designs/rsm/CCC.h"
 #include "designs/rsm/CCF.h"
@@ -27,6 +28,7 @@
 #include "designs/rsm/RCCC.h"
 #include "designs/rsm/RCCF.h"
 #include "designs/rsm/Rechtschaffner.h"
+#include "designs/stability/J2Builder.h"
 #include "designs/stability/StabilityDesign.h"
 #include "frame/CustomDesign.h"
 #include "frame/DesignBuilder.h"
@@ -183,6 +185,10 @@ Builders MakeClassicDesigns() {
             "D-Optimal designs are computer generated designs that maximize the volume (maximize "
             "the determinant of the X'X matrix). This is similar to a maximal spread of the "
             "points."),
+        std::make_shared<OnionBuilder>(
+            "OnionDOpt",
+            "Onion D-Optimal",
+            "Several D-Optimal designs generated from layers of the candidate set."),
         std::make_shared<RechtschaffnerBuilder>(
             EObjective::Optimization,
             "RSS",
@@ -206,6 +212,13 @@ Builders MakeClassicDesigns() {
                                         "Single factor design varied at several levels for a "
                                         "quantitative factor or at the specified levels for a "
                                         "discrete factor."),
+        std::make_shared<J2Builder>(
+            EDesign::J2,
+            "J2",
+            "Reduced Combinatorial",
+            "Generated from a strict combinatorial perspective in order to create a reduced design "
+            "with a balanced distribution of all factor settings. The algorithm selecting the "
+            "points treats multilevel and qualitative factors equally."),
         std::make_shared<DefinitiveScreeningBuilder>(
             "Definitive Screening",
             "Definitive Screening",

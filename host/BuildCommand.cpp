@@ -5,6 +5,7 @@
 #include <random>
 
 #include "foundation/utl/QvFile.h"
+#include "host/CombinatorialResults.h"
 #include "host/FilePaths.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
@@ -60,7 +61,13 @@ void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& 
     const Project project = MakeProject(Study(study), arguments, built);
     const std::string csv =
         ToCsv(MakeWorksheetTable(project.Runs(), project.study.factors, arguments.coded));
-    Interrupt::ThrowIfRequested();
+    const auto* const reduced = dynamic_cast<const J2Design*>(built.design.get());
+    if (reduced == nullptr) {
+        Interrupt::ThrowIfRequested();
+    } else if (Interrupt::IsRequested()) {
+        err << fmt::format("Stopped: the design is the best of {} found so far.\n",
+                           reduced->GetResults().size());
+    }
     if (!arguments.project.empty()) {
         SaveProject(project, *built.design, arguments.project);
     }
@@ -76,6 +83,15 @@ void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& 
         // The worksheet may have the output for itself.
         (arguments.output.empty() ? err : out)
             << FormatOptimalResults(*search, study.factors, built.options);
+    } else if (reduced != nullptr) {
+        (arguments.output.empty() ? err : out)
+            << FormatCombinatorialResults(*reduced, study.factors, built.options);
+    }
+    for (const std::string& note : built.notes) {
+        err << note << '\n';
+    }
+    if (const auto* layered = dynamic_cast<const OnionDesign*>(built.design.get())) {
+        (arguments.output.empty() ? err : out) << FormatLayers(*layered, built.options);
     }
     err << fmt::format("{}: {} runs, seed {}\n",
                        built.builder->GetDisplayName(),

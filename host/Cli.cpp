@@ -92,6 +92,9 @@ class CommandLine {
         command->add_flag("--coded", build_.coded, "Write coded values instead of real ones");
         AddOptimalOptions(*command, request.optimal);
         AddTermOption(*command, request.optimal);
+        AddOnionOptions(*command, request.onion);
+        command->add_option(
+            "--levels", request.levels, "J2: coded levels of continuous factors; default: 2");
         command->add_flag("--validating", build_.validating, "Searches repeat exactly");
         command->add_option("-o,--output", build_.output, "Worksheet file; default: the output");
         command->add_option("--project", build_.project, "File to save study and design in");
@@ -122,19 +125,23 @@ class CommandLine {
 
     // What steers the search for a D-optimal design.
     static void AddOptimalOptions(CLI::App& command, OptimalRequest& request) {
+        command.add_option("--repetitions",
+                           request.repetitions,
+                           "DOpt, J2: searches of each run count; default: 5, J2 10");
         command.add_option(
-            "--repetitions", request.repetitions, "DOpt: searches of each run count; default: 5");
-        command.add_option("--run-range",
-                           request.runRange,
-                           "DOpt: run counts searched on either side of --runs; default: 2");
-        command.add_option("--select-by",
-                           request.selectBy,
-                           "DOpt: g-efficiency, condition-number, log-determinant or i-optimality");
+            "--run-range",
+            request.runRange,
+            "DOpt, J2: run counts searched on either side of --runs; default: 2, J2 0");
+        command.add_option(
+            "--select-by",
+            request.selectBy,
+            "DOpt, J2: g-efficiency, condition-number, log-determinant or i-optimality");
         command.add_option(
             "--inclusions", request.inclusions, "DOpt: CSV file of runs that the design holds");
         command.add_option("--candidates",
                            request.candidates,
-                           "DOpt: candidate set file; default: generated candidates");
+                           "DOpt and OnionDOpt: candidate set file, OnionDOpt also a CSV table; "
+                           "default: generated candidates");
         command.add_option("--balance-on",
                            request.balanceOn,
                            "DOpt: qualitative factor whose levels occur equally often");
@@ -142,15 +149,31 @@ class CommandLine {
         command.add_flag("--no-potential-terms",
                          request.noPotentialTerms,
                          "DOpt: no guard against terms beyond the model");
-        command.add_option("--select",
-                           request.select,
-                           "DOpt: number of the result to take; default: the best by --select-by");
+        command.add_option(
+            "--select",
+            request.select,
+            "DOpt, J2: number of the result to take; default: the best by --select-by");
     }
 
     static void AddTermOption(CLI::App& command, OptimalRequest& request) {
         command.add_option("--model-terms",
                            request.modelTerms,
                            "Terms beside the main effects by factor name, such as \"A*B, A^2\"");
+    }
+
+    // How an onion design is divided.
+    static void AddOnionOptions(CLI::App& command, OnionRequest& request) {
+        command.add_option("--layers", request.layers, "OnionDOpt: number of layers");
+        command.add_option(
+            "--layer-runs", request.layerRuns, "OnionDOpt: runs of each layer, such as 5,5,7");
+        command.add_option(
+            "--layer-column",
+            request.layerColumn,
+            "OnionDOpt: column of --candidates that holds the layer, 1 being inmost");
+        command.add_option("--score-column",
+                           request.scoreColumn,
+                           "OnionDOpt: column of --candidates to divide by; default: the distance "
+                           "from the centre");
     }
 
     void AddShow() {
@@ -216,6 +239,7 @@ class CommandLine {
         AddRunOptions(command, request);
         AddOptimalOptions(command, request.optimal);
         AddTermOption(command, request.optimal);
+        AddOnionOptions(command, request.onion);
         command.add_flag("--validating", judged.validating, "Searches repeat exactly");
     }
 
@@ -295,6 +319,13 @@ class CommandLine {
         command.add_flag("--prefer-condition",
                          search.preferCondition,
                          "Look for small condition numbers instead of balance");
+        command.add_option("--center-points",
+                           search.centerPoints,
+                           "Centre points of every set, or of single ones such as 1:1=3,3:2=1");
+        command.add_option("--replicates",
+                           search.replicates,
+                           "Further copies of every set, or of single ones such as 1:1=1");
+        command.add_flag("--csv", search.csv, "Print CSV instead of the table");
         command.add_option("-o,--output", search.output, "CSV file to write, too");
     }
 

@@ -4,9 +4,12 @@
 
 #include <algorithm>
 
+#include "host/CombinatorialRequest.h"
+#include "host/CombinatorialResults.h"
 #include "host/FoldOver.h"
 #include "host/GeneratorText.h"
 #include "host/HostError.h"
+#include "host/Interrupt.h"
 #include "host/JsonPlace.h"
 #include "host/OptimalResults.h"
 #include "host/Proposals.h"
@@ -68,11 +71,20 @@ BuilderHandle StrongestBuilder(const Study& study, const Conditions& conditions)
     return proposals.front().builder;
 }
 
+// Layers have no JSON form.
+json_value JsonOf(const DesignOptions& options) {
+    DesignOptions plain = options;
+    if (dynamic_cast<const OnionOptions*>(options.GetDesignSpecificOptions()) != nullptr) {
+        plain.SetDesignSpecificOptions(nullptr);
+    }
+    return plain.ToJson();
+}
+
 // The study's members over those of the family, for a family that has options of its own.
 json_value SpecificOptions(const DesignOptions& options,
                            const DesignBuilder& builder,
                            const JsonPlace& place) {
-    const json_value all = options.ToJson();
+    const json_value all = JsonOf(options);
     const bool has = all.has_child("designSpecificOptions") &&
                      all.get_child("designSpecificOptions").is_object();
     if (!has) {
@@ -98,7 +110,7 @@ void OverlayStudyOptions(DesignOptions& options, const DesignBuilder& builder, c
     root.put_child("options") = study.options;
     const JsonPlace place = JsonPlace(root, study.file).Member("options");
     json_value overlaid = json_value::make_object();
-    const json_value defaults = options.ToJson();
+    const json_value defaults = JsonOf(options);
     for (unsigned long long i = 0; i < defaults.get_length(); ++i) {
         const std::string& name = defaults.get_child_name(i);
         if (name != "designSpecificOptions" && name != "generators") {
@@ -296,7 +308,14 @@ Conditions RequestedConditions(const Study& study, const DesignRequest& request)
 // The blocks as they are asked for, since the model of a D-optimal design depends on them; whether
 // they are legal is judged with the runs.
 void PrepareOptimal(BuiltDesign& built, const Study& study, const DesignRequest& request) {
-    RequireOptimalDesign(request.optimal, *built.builder);
+    RequireLayeredDesign(request.onion, *built.builder);
+    OptimalRequest optimal = request.optimal;
+    if (IsOnion(*built.builder)) {
+        built.notes = ApplyOnionRequest(
+            request.onion, optimal.candidates, study, *built.builder, built.options);
+        optimal.candidates.clear();
+    }
+    RequireOptimalDesign(optimal, *built.builder);
     if (!IsDOptimal(*built.builder)) {
         return;
     }
@@ -306,10 +325,19 @@ void PrepareOptimal(BuiltDesign& built, const Study& study, const DesignRequest&
     ApplyOptimalRequest(request.optimal, study, *built.builder, built.options);
 }
 
+void PrepareCombinatorial(BuiltDesign& built, const Study& study, const DesignRequest& request) {
+    RequireLevelsTaken(request, *built.builder);
+    if (IsCombinatorial(*built.builder)) {
+        ApplyCombinatorialRequest(request, study, *built.builder, built.options);
+    }
+}
+
 void SelectResult(BuiltDesign& built, const Study& study, long long number) {
     auto* const design = dynamic_cast<D_Optimal*>(built.design.get());
     if (design != nullptr) {
         SelectOptimalResult(*design, number, study.factors, built.options, "--select");
+    } else if (auto* const reduced = dynamic_cast<J2Design*>(built.design.get())) {
+        SelectCombinatorialResult(*reduced, number);
     }
 }
 
@@ -323,6 +351,8 @@ std::unique_ptr<NCDesign> Build(const BuiltDesign& built, const Study& study) {
         }
         throw StoppedWork(D_Optimal::GetErrorString(cUserBreak, nullptr));
     } catch (const Exception& exception) {
+        // A search that was stopped before it found a design says only that there is none.
+        Interrupt::ThrowIfRequested();
         const unsigned int blocks = built.options.GetBlocks();
         FailWith(fmt::format("{}: the design {} cannot be built for {} factors and {} runs{}: {}",
                              study.file,
@@ -368,12 +398,20 @@ BuiltDesign PrepareDesign(const Study& study, const DesignRequest& request) {
     built.options = MakeOptions(builder, conditions);
     OverlayStudyOptions(built.options, builder, study);
     PrepareOptimal(built, study, request);
+    PrepareCombinatorial(built, study, request);
     if (!KeepsRunLimit(built.options) || !KeepsConstraints(builder, conditions) ||
         !builder.IsValid(study.factors, built.options, false, false)) {
         ThrowNoValidDesign(Refusal(built, study), conditions, {built.builder});
     }
     SetCounts(built.options, builder, study, request);
+    if (IsOnion(builder)) {
+        const auto runs = GivenCount(request.runs, "--runs", study, "runs");
+        FitLayerRuns(request.onion, runs ? runs->place : "", study.factors, built.options);
+    }
     RequireTotal(built.options, study);
+    if (IsCombinatorial(builder)) {
+        RequireNoReplicates(study, built.options);
+    }
     if (IsDOptimal(builder)) {
         RequireSearchable(built.options);
         built.options.SetModel(SearchedModel(built.options));
@@ -387,6 +425,9 @@ BuiltDesign MakeDesign(const Study& study, const DesignRequest& request) {
     if (!built.design || !built.design->GetDesignMatrix()) {
         ThrowNoValidDesign(
             Refusal(built, study), RequestedConditions(study, request), {built.builder});
+    }
+    if (auto* const layered = dynamic_cast<OnionDesign*>(built.design.get())) {
+        SelectAskedRuns(*layered, built.options);
     }
     if (request.optimal.select) {
         SelectResult(built, study, *request.optimal.select);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/DesignNames.h"
+#include "host/OnionRequest.h"
 #include "host/OptimalRequest.h"
 #include "host/Study.h"
 
@@ -19,7 +20,9 @@ struct DesignRequest {
     std::optional<long long> replicatedRuns;
     std::optional<std::string> generators;  // as GeneratorText reads them; without: the study's
     bool foldOver = false;                  // append the mirror image of the runs
-    OptimalRequest optimal;                 // of a D-optimal design
+    OptimalRequest optimal;                 // of a design that is searched for
+    std::optional<long long> levels;        // of continuous factors, for J2
+    OnionRequest onion;                     // of a design in layers
 };
 
 /// A built design. It borrows the study's factors.
@@ -27,7 +30,8 @@ struct BuiltDesign {
     BuilderHandle builder;
     DesignOptions options;
     std::unique_ptr<NCDesign> design;
-    bool isFoldedOver = false;  // the mirror image of the runs stands behind them
+    bool isFoldedOver = false;       // the mirror image of the runs stands behind them
+    std::vector<std::string> notes;  // what the user should know about it
 };
 
 /// Builds the design that study and request ask for.

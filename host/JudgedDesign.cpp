@@ -10,6 +10,7 @@
 #include "host/CandidateFile.h"
 #include "host/HostError.h"
 #include "host/Notes.h"
+#include "host/OnionRequest.h"
 #include "host/Project.h"
 #include "host/Proposals.h"
 #include "host/RunsFile.h"
@@ -57,6 +58,9 @@ void RequireNothingToBuild(const DesignRequest& request, const std::string& hold
             FailWith(fmt::format("{}: {} holds its runs; no design is built.", option, holder));
         }
     }
+    if (const char* option = FirstOption(request.onion)) {
+        FailWith(fmt::format("{}: {} holds its runs; no design is built.", option, holder));
+    }
 }
 
 void AppendLevel(std::vector<float>& row, int level, int levels) {
@@ -99,6 +103,15 @@ const D_OptimalOptions* FamilyOptions(const Subject& subject) {
     return subject.builder && IsDOptimal(*subject.builder)
                ? dynamic_cast<const D_OptimalOptions*>(subject.options.GetDesignSpecificOptions())
                : nullptr;
+}
+
+// The candidates that the layers of an onion design were picked from; null without any.
+const CandidateSet* LayeredCandidates(const Subject& subject) {
+    const bool isLayered = subject.builder && IsOnion(*subject.builder) &&
+                           subject.options.GetDesignSpecificOptions() != nullptr;
+    const CandidateSet* set =
+        isLayered ? &subject.options.GetDesignSpecificOptions()->GetCandidateSet() : nullptr;
+    return set != nullptr && set->SizeRows() > 0 ? set : nullptr;
 }
 
 EModel::Type ModelOfObjective(EObjective::Type objective) {
@@ -218,6 +231,9 @@ Matrix CandidatesOf(const JudgeRequest& asked,
                     const JudgedDesign& design,
                     std::ostream& err) {
     const D_OptimalOptions* family = FamilyOptions(subject);
+    if (const CandidateSet* layered = LayeredCandidates(subject)) {
+        return layered->GetMatrix();
+    }
     // Of a design that was built here, the file's candidates are those of the search.
     if (!asked.request.optimal.candidates.empty() && family == nullptr) {
         return ReadCandidates(asked.request.optimal.candidates, design);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 #include "host/CandidateFile.h"
@@ -12,10 +13,11 @@
 #include "host/ModelTermsText.h"
 #include "host/RunsFile.h"
 
+using SearchLimits::cMostRepetitions;
+using SearchLimits::cMostRunRange;
+
 namespace {
 
-constexpr long long cMostRepetitions = 10'000;
-constexpr long long cMostRunRange = 1'000;
 // Cells of a candidate set that is made here.
 constexpr unsigned int cMostCandidateCells = 10'000'000;
 
@@ -81,15 +83,7 @@ void ApplySearch(const OptimalRequest& request,
                  const StudyFactors& factors,
                  DesignOptions& options) {
     D_OptimalOptions& family = FamilyOptions(options);
-    if (request.repetitions) {
-        family.SetRepetitions(CountIn(*request.repetitions, 1, cMostRepetitions, "--repetitions"));
-    }
-    if (request.runRange) {
-        family.SetRunRange(CountIn(*request.runRange, 0, cMostRunRange, "--run-range"));
-    }
-    if (!request.selectBy.empty()) {
-        family.SetSelectDesignBy(FigureOf(request.selectBy));
-    }
+    ApplySearchSettings(request, family);
     if (!request.balanceOn.empty()) {
         family.SetBalanceOnFactor(BalanceFactor(request.balanceOn, factors));
     }
@@ -207,7 +201,29 @@ void ApplyInclusions(const std::string& path, const Study& study, DesignOptions&
     family.SetUseInclusion(true);
 }
 
+// A reduced combinatorial design is searched for as well, but not among candidates.
+void RequireOptionOfEverySearch(std::string_view option) {
+    constexpr std::array<std::string_view, 5> cOfEverySearch{
+        "--repetitions", "--run-range", "--select-by", "--model-terms", "--select"};
+    if (std::ranges::find(cOfEverySearch, option) == cOfEverySearch.end()) {
+        FailWith(
+            fmt::format("{}: the design J2 is not picked from candidates; only DOpt is.", option));
+    }
+}
+
 }  // namespace
+
+void ApplySearchSettings(const OptimalRequest& request, D_OptimalOptions& family) {
+    if (request.repetitions) {
+        family.SetRepetitions(CountIn(*request.repetitions, 1, cMostRepetitions, "--repetitions"));
+    }
+    if (request.runRange) {
+        family.SetRunRange(CountIn(*request.runRange, 0, cMostRunRange, "--run-range"));
+    }
+    if (!request.selectBy.empty()) {
+        family.SetSelectDesignBy(FigureOf(request.selectBy));
+    }
+}
 
 bool IsDOptimal(const DesignBuilder& builder) {
     return builder.IsDesign() == EDesign::DOpt;
@@ -229,8 +245,10 @@ void RequireOptimalDesign(const OptimalRequest& request, const DesignBuilder& bu
          {"--no-potential-terms", request.noPotentialTerms},
          {"--select", request.select.has_value()}}};
     for (const auto& [option, isGiven] : given) {
-        if (isGiven) {
-            FailWith(fmt::format("{}: the design {} is not searched for; only DOpt is.",
+        if (isGiven && EDesign::IsJ2(builder.IsDesign())) {
+            RequireOptionOfEverySearch(option);
+        } else if (isGiven) {
+            FailWith(fmt::format("{}: the design {} is not searched for; only DOpt and J2 are.",
                                  option,
                                  builder.GetShortString()));
         }
@@ -284,10 +302,11 @@ void RequireSound(const D_OptimalOptions& family,
                               factors.GetFactorType(balance) == CEType::Qualitative),
             "the number of the factor to balance on",
             balance);
-    require(family.GetRepetitions() >= 1 && family.GetRepetitions() <= cMostRepetitions,
-            "repetitions",
-            family.GetRepetitions());
-    require(family.GetRunRange() >= 0 && family.GetRunRange() <= cMostRunRange,
+    require(
+        family.GetRepetitions() >= 1 && family.GetRepetitions() <= SearchLimits::cMostRepetitions,
+        "repetitions",
+        family.GetRepetitions());
+    require(family.GetRunRange() >= 0 && family.GetRunRange() <= SearchLimits::cMostRunRange,
             "the run range",
             family.GetRunRange());
     DesignOptions blocked;

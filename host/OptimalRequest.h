@@ -27,6 +27,18 @@ struct OptimalRequest {
 /// @throws Exception naming the option
 void RequireOptimalDesign(const OptimalRequest& request, const DesignBuilder& builder);
 
+/// Bounds of what a search may be asked for.
+namespace SearchLimits {
+
+constexpr int cMostRepetitions = 10'000;
+constexpr int cMostRunRange = 1'000;
+
+}  // namespace SearchLimits
+
+/// Repetitions, run range and the figure that picks the best result.
+/// @throws Exception naming the option and what is allowed
+void ApplySearchSettings(const OptimalRequest& request, D_OptimalOptions& family);
+
 /// Whether the design is D-optimal.
 [[nodiscard]] bool IsDOptimal(const DesignBuilder& builder);
 

@@ -14,6 +14,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds cDelay(300);
 // More often than this nobody can read.
 constexpr milliseconds cInterval(100);
+// Before this a guess at the time left is worth nothing.
+constexpr std::chrono::seconds cEstimateDelay(3);
+constexpr double cLeastShare = 0.01;
 constexpr int cBarWidth = 30;
 constexpr std::string_view cWipe = "\r\x1b[K";
 
@@ -27,6 +30,17 @@ std::string BarText(double share) {
                        std::string(static_cast<std::size_t>(filled), '#'),
                        cBarWidth,
                        std::floor(part * 100));
+}
+
+// "50 s", "12 min", "3 h".
+std::string DurationText(double seconds) {
+    constexpr double cMinute = 60;
+    constexpr double cHour = 60 * cMinute;
+    if (seconds < 2 * cMinute) {
+        return fmt::format("{:.0f} s", std::ceil(seconds));
+    }
+    return seconds < 2 * cHour ? fmt::format("{:.0f} min", std::ceil(seconds / cMinute))
+                               : fmt::format("{:.0f} h", std::ceil(seconds / cHour));
 }
 
 }  // namespace
@@ -44,6 +58,7 @@ void ProgressBar::Begin(const std::string& title, const std::string& text, bool 
     if (depth_++ == 0) {
         begun_ = clock_();
         lastDrawn_ = begun_ - cInterval;
+        outerShare_ = 0;
         lastTitle_ = title.empty() ? text : title;
     }
 }
@@ -51,6 +66,9 @@ void ProgressBar::Begin(const std::string& title, const std::string& text, bool 
 void ProgressBar::Show(double share, const std::string& text) {
     if (!visible_ || depth_ == 0) {
         return;
+    }
+    if (depth_ == 1) {
+        outerShare_ = share;
     }
     const auto now = clock_();
     if (now - begun_ < cDelay || now - lastDrawn_ < cInterval) {
@@ -60,8 +78,18 @@ void ProgressBar::Show(double share, const std::string& text) {
     Draw(share, text.empty() ? lastTitle_ : text);
 }
 
+// From the speed so far. Nested operations begin anew and tell nothing about the whole.
+std::string ProgressBar::TimeLeft() const {
+    const std::chrono::duration<double> elapsed = clock_() - begun_;
+    if (elapsed < cEstimateDelay || outerShare_ < cLeastShare || outerShare_ >= 1) {
+        return {};
+    }
+    const double left = elapsed.count() * (1 - outerShare_) / outerShare_;
+    return fmt::format(", about {} left", DurationText(left));
+}
+
 void ProgressBar::Draw(double share, const std::string& text) {
-    out_ << cWipe << BarText(share) << ' ' << text << std::flush;
+    out_ << cWipe << BarText(share) << ' ' << text << TimeLeft() << std::flush;
     drawn_ = true;
 }
 

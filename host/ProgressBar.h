@@ -7,8 +7,9 @@
 
 #include "foundation/util/NCProgress.h"
 
-/// One line on a terminal that shows how far a long operation is. It appears only once the
-/// operation has lasted a while, and is wiped out at its end. It also tells the engine when the
+/// One line on a terminal that shows how far a long operation is, and once it has lasted some
+/// seconds how long it is likely to go on. It appears only once the operation has lasted a while,
+/// and is wiped out at its end. It also tells the engine when the
 /// user has asked to stop, whether it is visible or not.
 class ProgressBar : public NCProgressDisplay {
   public:
@@ -30,6 +31,7 @@ class ProgressBar : public NCProgressDisplay {
 
   private:
     void Draw(double share, const std::string& text);
+    [[nodiscard]] std::string TimeLeft() const;
 
     std::ostream& out_;
     bool visible_;
@@ -37,6 +39,7 @@ class ProgressBar : public NCProgressDisplay {
     Clock clock_;
     int depth_ = 0;  // of nested operations
     bool drawn_ = false;
+    double outerShare_ = 0;  // of the outermost operation
     std::string lastTitle_;
     std::chrono::steady_clock::time_point begun_;
     std::chrono::steady_clock::time_point lastDrawn_;

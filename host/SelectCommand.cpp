@@ -17,6 +17,12 @@ void RunSelect(const SelectArguments& arguments, std::ostream& out, std::ostream
     }
     Project project = LoadProject(arguments.project);
     const auto design = LoadOptimalDesign(project, arguments.project);
+    if (design == nullptr && EDesign::IsJ2(project.builder->IsDesign())) {
+        FailWith(
+            fmt::format("{}: the runs of J2's other results are not kept; ask for one of them "
+                        "by --select when the design is built.",
+                        arguments.project));
+    }
     if (design == nullptr) {
         FailWith(fmt::format("{}: the design {} has no results to select from; only DOpt has.",
                              arguments.project,

@@ -10,7 +10,6 @@
 #include "host/HostError.h"
 #include "host/Notes.h"
 #include "host/StudyFile.h"
-#include "host/TextTable.h"
 
 namespace {
 
@@ -100,6 +99,7 @@ void RunStability(const StabilityArguments& arguments, std::ostream& out, std::o
     PrintNotes(study, err);
     CheckRequest(arguments.search, study, "a stability design");
     auto options = std::make_shared<StabilityDesignOptions>();
+    ApplyStudyOptions(study, EDesign::Stability, *options);
     if (!arguments.used.empty()) {
         options->SetUsedReduction(ParseUsed(arguments.used));
     }
@@ -107,9 +107,10 @@ void RunStability(const StabilityArguments& arguments, std::ostream& out, std::o
         ParseTimes(arguments.times, options->GetUsedReduction().size());
     ApplyRequest(arguments.search, *options);
     const auto design = MakeStabilityDesign(EDesign::Stability, study, options);
+    AddRuns(arguments.search, study.factors, *design);
     const WorksheetTable plan = MakePlan(*design, times, study.factors);
     WriteOutput(arguments.search, plan);
-    out << FormatTable(plan.header, plan.lines);
+    PrintRuns(arguments.search, plan, "", out);
     err << fmt::format("{} runs of {} combinations at {} points in time\n",
                        plan.lines.size(),
                        design->GetNumberOfCombinations(study.factors),

@@ -72,6 +72,7 @@ void RunSubsets(const SubsetsArguments& arguments, std::ostream& out, std::ostre
     PrintNotes(study, err);
     CheckRequest(arguments.search, study, "a division into subsets");
     auto options = std::make_shared<GeneralizedSubsetDesignsDesignOptions>();
+    ApplyStudyOptions(study, EDesign::GeneralizedSubset, *options);
     if (arguments.reduction) {
         if (*arguments.reduction < 1 || *arguments.reduction > StudyLimits::cMaxRuns) {
             FailWith(fmt::format("--reduction: {} must be a whole number from 1 to {}.",
@@ -82,8 +83,9 @@ void RunSubsets(const SubsetsArguments& arguments, std::ostream& out, std::ostre
     }
     ApplyRequest(arguments.search, *options);
     const auto design = MakeStabilityDesign(EDesign::GeneralizedSubset, study, options);
+    AddRuns(arguments.search, study.factors, *design);
     const WorksheetTable runs = MakeRuns(*design, study.factors);
     WriteOutput(arguments.search, runs);
-    out << FormatQuality(*design) << '\n' << FormatTable(runs.header, runs.lines);
+    PrintRuns(arguments.search, runs, FormatQuality(*design) + "\n", out);
     err << fmt::format("{} runs in {} subsets\n", runs.lines.size(), options->GetReduction());
 }

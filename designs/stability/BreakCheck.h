@@ -3,18 +3,22 @@
 #include "foundation/util/NCProgress.h"
 #include "foundation/utl/Exceptions.h"
 
-/// Ends a long loop when the user has asked to stop. Without a progress nobody can ask.
+/// Ends a long loop when the user has asked to stop, through the progress or a flag of the caller.
+/// Without either nobody can ask.
 class BreakCheck {
   public:
-    explicit BreakCheck(const NCProgress* progress = nullptr) : progress_(progress) {}
+    explicit BreakCheck(const NCProgress* progress = nullptr, const bool* cancel = nullptr)
+        : progress_(progress), cancel_(cancel) {}
 
     /// @throws CancelException
     void operator()() const {
-        if (progress_ != nullptr && progress_->IsBreakPressed()) {
+        if ((cancel_ != nullptr && *cancel_) ||
+            (progress_ != nullptr && progress_->IsBreakPressed())) {
             throw CancelException();
         }
     }
 
   private:
     const NCProgress* progress_;
+    const bool* cancel_;
 };

@@ -120,7 +120,8 @@ LevelMatrix ToLevels(const NCDataMatrix<float>& subset) {
 
 StabilityDesign::StabilityDesign(EDesign::Type type,
                                  const Factors& factors,
-                                 const DesignOptions& options)
+                                 const DesignOptions& options,
+                                 const bool* cancel)
     : NCDesign(factors), type_(type) {
     const UsedDesigns used = UsedDesignsOf(options);
     RequireRuns(used, factors);
@@ -140,7 +141,8 @@ StabilityDesign::StabilityDesign(EDesign::Type type,
                         Saturated(base.GetSecondsToWait()),
                         base.GetPreferBalanced(),
                         factors,
-                        &progress);
+                        &progress,
+                        cancel);
         progress.PopSubRange();
         ++done;
     }
@@ -247,14 +249,15 @@ void StabilityDesign::GenerateDesigns(int reduction,
                                       int secondsToWait,
                                       bool preferBalance,
                                       const Factors& factors,
-                                      NCProgress* progress) {
+                                      NCProgress* progress,
+                                      const bool* cancel) {
     std::vector<bool> unique;
     std::vector<bool> balance;
     std::vector<int> iterations;
     std::vector<std::vector<int>> distances;
     std::vector<bool> oa;
     std::vector<bool> noa;
-    StabilityDesignCalculator calculator(reduction, factors, secondsToWait, preferBalance);
+    StabilityDesignCalculator calculator(reduction, factors, secondsToWait, preferBalance, cancel);
     std::vector<NCDataMatrix<float>> subsets =
         calculator.Calculate(progress, unique, balance, iterations, distances, oa, noa);
     std::vector<std::shared_ptr<StabilityDesignData>> designs;

@@ -29,10 +29,14 @@ class QORVA_EXPORT StabilityDesign : public NCDesign {
 
     /// Generates all subsets that the options ask for, with a progress.
     /// @param type EDesign::Stability or EDesign::GeneralizedSubset
+    /// @param cancel read at every safe point of the search; null allowed
     /// @throws Exception for a reduction of 0, an index outside 1 to the reduction, options of
     ///         another family, and a design of more than NCDesign::cMaxFinishedRuns runs;
-    ///         CancelException on a break or when the memory is exhausted
-    StabilityDesign(EDesign::Type type, const Factors& factors, const DesignOptions& options);
+    ///         CancelException on a stop or when the memory is exhausted
+    StabilityDesign(EDesign::Type type,
+                    const Factors& factors,
+                    const DesignOptions& options,
+                    const bool* cancel = nullptr);
     /// Loads what Save wrote.
     StabilityDesign(EDesign::Type type,
                     const Factors& factors,
@@ -47,12 +51,13 @@ class QORVA_EXPORT StabilityDesign : public NCDesign {
     [[nodiscard]] EDesign::Type IsDesign() const { return type_; }
 
     /// Makes all subsets of one reduction, in place of those it had.
-    /// @param progress may be null
+    /// @param progress may be null, as cancel
     void GenerateDesigns(int reduction,
                          int secondsToWait,
                          bool preferBalance,
                          const Factors& factors,
-                         NCProgress* progress);
+                         NCProgress* progress,
+                         const bool* cancel = nullptr);
     /// Assembles the design matrix of these sets, in this order; a set that was not generated adds
     /// no runs.
     /// @throws Exception when it would have more than NCDesign::cMaxFinishedRuns runs; the design
@@ -126,7 +131,7 @@ class QORVA_EXPORT StabilityDesignBuilder : public DesignBuilder {
     using DesignBuilder::GetDefaultRuns;
     using DesignBuilder::IsValid;
 
-    /// @throws CancelException on a break or when the memory is exhausted; an Exception gives an
+    /// @throws CancelException on a stop or when the memory is exhausted; an Exception gives an
     ///         empty handle
     [[nodiscard]] std::unique_ptr<NCDesign> Build(const Factors& factors,
                                                   const DesignOptions& options,

@@ -18,12 +18,12 @@ bool IsLegal(const StabilityDesignOptions& options) {
 
 std::unique_ptr<NCDesign> StabilityDesignBuilder::Build(const Factors& factors,
                                                         const DesignOptions& options,
-                                                        bool* /*cancel*/) const {
+                                                        bool* cancel) const {
     if (!IsValid(factors, options)) {
         return nullptr;
     }
     try {
-        return std::make_unique<StabilityDesign>(type_, factors, options);
+        return std::make_unique<StabilityDesign>(type_, factors, options, cancel);
     } catch (const Exception&) {
         return nullptr;
     }

@@ -108,6 +108,7 @@ struct StabilityDesignCalculator::Implementation {
     int maxIterations;  // follows the measured speed
     int secondsToWait;
     int measure;
+    const bool* cancel;
 
     // What the search works with. Made for the calculation, and not again for an iteration.
     NCProgress* progress = nullptr;
@@ -124,13 +125,18 @@ struct StabilityDesignCalculator::Implementation {
     std::vector<int> codes;
     int iterations = 0;
 
-    Implementation(int reduction_, const Factors& factors_, int secondsToWait_, bool preferBalance)
+    Implementation(int reduction_,
+                   const Factors& factors_,
+                   int secondsToWait_,
+                   bool preferBalance,
+                   const bool* cancel_)
         : factors(&factors_),
           levels(CountLevels(factors_)),
           reduction(reduction_),
           maxIterations(SearchLimit::GetInitial(reduction_, secondsToWait_, Validating::Get())),
           secondsToWait(secondsToWait_),
-          measure(preferBalance ? cPreferBalance : cPreferCondition) {}
+          measure(preferBalance ? cPreferBalance : cPreferCondition),
+          cancel(cancel_) {}
 
     /// In the part from 0 to `units` of the progress.
     void SearchWithin(int units);
@@ -309,9 +315,10 @@ std::vector<std::vector<int>> StabilityDesignCalculator::Implementation::CountDi
 StabilityDesignCalculator::StabilityDesignCalculator(int reduction,
                                                      const Factors& factors,
                                                      int secondsToWait,
-                                                     bool preferBalance)
-    : implementation_(
-          std::make_shared<Implementation>(reduction, factors, secondsToWait, preferBalance)) {}
+                                                     bool preferBalance,
+                                                     const bool* cancel)
+    : implementation_(std::make_shared<Implementation>(
+          reduction, factors, secondsToWait, preferBalance, cancel)) {}
 
 std::vector<NCDataMatrix<float>> StabilityDesignCalculator::Calculate(
     NCProgress* progress,
@@ -332,7 +339,7 @@ std::vector<NCDataMatrix<float>> StabilityDesignCalculator::Calculate(
         return {};
     }
     work.progress = progress;
-    work.checkBreak = BreakCheck(progress);
+    work.checkBreak = BreakCheck(progress, work.cancel);
     const int units = work.maxIterations;
     if (progress != nullptr) {
         progress->SetRange(0, static_cast<float>(units) + 1);

@@ -21,10 +21,12 @@ class StabilityDesignCalculator {
     /// @param secondsToWait time limit of the search; 0 or less means none
     /// @param preferBalance looks for subsets in which levels, alone and in pairs, occur equally
     ///        often; otherwise for small condition numbers
+    /// @param cancel borrowed, set by the caller to end the search; or null
     StabilityDesignCalculator(int reduction,
                               const Factors& factors,
                               int secondsToWait,
-                              bool preferBalance);
+                              bool preferBalance,
+                              const bool* cancel = nullptr);
 
     /// The subsets [runs x factors], as level numbers from 1; some can be empty where factors have
     /// fewer levels than there are subsets. None without factors or for a reduction below 1. The
@@ -36,7 +38,7 @@ class StabilityDesignCalculator {
     /// @param distances pairs of rows by their squared distance in level numbers, from 0 to 9
     /// @param oa all pairs of levels of any two factors occur equally often
     /// @param noa the same up to a difference of 1
-    /// @throws CancelException on a break, and after a message to the user when the memory is
+    /// @throws CancelException on a stop, and after a message to the user when the memory is
     ///         exhausted
     std::vector<NCDataMatrix<float>> Calculate(NCProgress* progress,
                                                std::vector<bool>& unique,

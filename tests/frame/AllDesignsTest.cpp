@@ -277,9 +277,10 @@ TEST(AllDesigns, OneValidBuilderIsEnough) {
 TEST(AllDesigns, BuildersAreAskedUnderTheObjectiveModelAndRunLimit) {
     std::vector<DesignOptions> asked;
     const AllDesigns list = ListOf({MakeProbe(false, &asked)});
-    // From three factors on, the saturated screening design takes an objective of this number.
+    // From three factors on, the saturated screening design takes an objective of this number; so
+    // do onion designs, but not with a level factor.
     (void)list.IsAnyDesignValid(
-        EObjective::None, EModel::Cubic, 7, TestFactors().Quantitatives(2), false);
+        EObjective::None, EModel::Cubic, 7, TestFactors().Quantitative().MultilevelOf(3), false);
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].GetObjective(), EObjective::None);
     EXPECT_EQ(asked[0].GetModel(), EModel::Cubic);
@@ -294,8 +295,11 @@ TEST(AllDesigns, PlatePartsMustBeRecommended) {
     const auto probe = MakeProbe(true, &asked);
     probe->recommended = false;
     const AllDesigns list = ListOf({probe});
-    EXPECT_FALSE(list.IsAnyDesignValid(
-        EObjective::None, EModel::Linear, 12000, TestFactors().Quantitatives(2), true));
+    EXPECT_FALSE(list.IsAnyDesignValid(EObjective::None,
+                                       EModel::Linear,
+                                       12000,
+                                       TestFactors().Quantitative().MultilevelOf(3),
+                                       true));
     EXPECT_TRUE(asked.empty());
 }
 

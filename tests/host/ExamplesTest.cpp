@@ -7,13 +7,16 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "host/CandidateFile.h"
 #include "host/CandidatesCommand.h"
 #include "host/DesignMaker.h"
 #include "host/Proposals.h"
+#include "host/StabilityCommand.h"
 #include "host/StudyFile.h"
+#include "host/SubsetsCommand.h"
 #include "host/Worksheet.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -38,9 +41,14 @@ Study ReadExample(const std::string& name) {
 // extreme vertices of one level combination.
 const std::map<std::string, int> cConstrained{{"19-railroad-flare", 8}, {"20-coating", 25}};
 
+// Studies of design sets, which are no worksheets of runs.
+const std::set<std::string> cDesignSets{"25-matrixing", "26-generalized-subset"};
+
 std::vector<std::string> ClassicalNames() {
     std::vector<std::string> names = ExampleNames();
-    std::erase_if(names, [](const std::string& name) { return cConstrained.contains(name); });
+    std::erase_if(names, [](const std::string& name) {
+        return cConstrained.contains(name) || cDesignSets.contains(name);
+    });
     return names;
 }
 
@@ -109,18 +117,58 @@ TEST(ConstrainedExamples, HaveTheirVerticesAndOnlyCandidatesInside) {
     }
 }
 
+TEST(DesignSetExamples, MatrixingTestsEverythingThreeTimes) {
+    StabilityArguments arguments;
+    arguments.study = ReadExample("25-matrixing").file;
+    arguments.times = "0,6,12,24,36";
+    arguments.search.csv = true;
+    std::ostringstream out;
+    std::ostringstream err;
+    RunStability(arguments, out, err);
+    EXPECT_THAT(err.str(), testing::HasSubstr("81 runs of 27 combinations at 5 points in time"));
+    std::map<std::string, int> tests;
+    std::istringstream lines(out.str());
+    std::string line;
+    std::getline(lines, line);
+    while (std::getline(lines, line)) {
+        // Strength, container and batch stand behind set, time, name and combination.
+        std::size_t comma = 0;
+        for (int i = 0; i < 4; ++i) {
+            comma = line.find(',', comma) + 1;
+        }
+        ++tests[line.substr(comma)];
+    }
+    EXPECT_EQ(tests.size(), 27U);
+    for (const auto& [combination, count] : tests) {
+        EXPECT_EQ(count, 3) << combination;
+    }
+}
+
+TEST(DesignSetExamples, SubsetsOfSeventyTwoRunsHaveEighteen) {
+    SubsetsArguments arguments;
+    arguments.study = ReadExample("26-generalized-subset").file;
+    std::ostringstream out;
+    std::ostringstream err;
+    RunSubsets(arguments, out, err);
+    EXPECT_THAT(err.str(), testing::HasSubstr("72 runs in 4 subsets"));
+    for (const char* subset : {"D:1 ", "D:2 ", "D:3 ", "D:4 "}) {
+        EXPECT_THAT(out.str(), testing::HasSubstr(std::string(subset) + "      18  yes"));
+    }
+}
+
 TEST(ExampleSizes, AreThoseOfThePublishedExperiments) {
     const std::map<std::string, int> published{
-        {"01-filtration-rate", 16}, {"02-pilot-plant", 16},
-        {"03-reactor", 32},         {"04-survival-times", 48},
-        {"05-worsted-yarn", 27},    {"06-battery-life", 36},
-        {"07-bicycle", 8},          {"08-reactor-half-fraction", 16},
-        {"09-cast-fatigue", 12},    {"10-rubber", 14},
-        {"11-surface-defects", 9},  {"12-definitive-screening", 13},
-        {"13-process-yield", 13},   {"14-tire-tread", 20},
-        {"15-box-behnken", 27},     {"16-doehlert", 13},
-        {"17-rechtschaffner", 21},  {"18-yarn-elongation", 10},
-        {"21-adhesive", 12},        {"22-baking", 15}};
+        {"01-filtration-rate", 16},  {"02-pilot-plant", 16},
+        {"03-reactor", 32},          {"04-survival-times", 48},
+        {"05-worsted-yarn", 27},     {"06-battery-life", 36},
+        {"07-bicycle", 8},           {"08-reactor-half-fraction", 16},
+        {"09-cast-fatigue", 12},     {"10-rubber", 14},
+        {"11-surface-defects", 9},   {"12-definitive-screening", 13},
+        {"13-process-yield", 13},    {"14-tire-tread", 20},
+        {"15-box-behnken", 27},      {"16-doehlert", 13},
+        {"17-rechtschaffner", 21},   {"18-yarn-elongation", 10},
+        {"21-adhesive", 12},         {"22-baking", 15},
+        {"24-nearly-orthogonal", 12}};
     for (const auto& [name, runs] : published) {
         const Study study = ReadExample(name);
         EXPECT_EQ(MakeDesign(study, {}).design->GetDesignMatrix()->SizeRows(), runs) << name;

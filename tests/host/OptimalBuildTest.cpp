@@ -250,7 +250,8 @@ TEST_F(OptimalBuild, WrongCountsAndNamesAreRefused) {
 TEST_F(OptimalBuild, OtherDesignsRefuseSearchOptions) {
     const Answer answer = Build({"--design", "FFM"});
     EXPECT_EQ(answer.code, 2);
-    EXPECT_EQ(answer.err, "--repetitions: the design FFM is not searched for; only DOpt is.\n");
+    EXPECT_EQ(answer.err,
+              "--repetitions: the design FFM is not searched for; only DOpt and J2 are.\n");
     EXPECT_THAT(AskStudy({"build", "--design", "FFM", "--model-terms", "Temp^2"}).err,
                 HasSubstr("--model-terms: the design FFM"));
 }

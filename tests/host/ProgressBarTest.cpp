@@ -93,6 +93,45 @@ TEST_F(ProgressBarTest, ShowsActivityWithoutAKnownEnd) {
     EXPECT_THAT(out_.str(), EndsWith("working Search"));
 }
 
+TEST_F(ProgressBarTest, TellsTheTimeLeftOnceItCanBeGuessed) {
+    const auto bar = Bar(true);
+    bar->Begin("Search", "", true);
+    Wait(2999);
+    bar->Show(0.5, "runs");
+    EXPECT_THAT(out_.str(), EndsWith("50 % runs"));
+    Wait(1001);
+    bar->Show(0.1, "runs");
+    EXPECT_THAT(out_.str(), EndsWith("10 % runs, about 36 s left"));
+    Wait(4000);
+    bar->Show(0.01, "runs");
+    EXPECT_THAT(out_.str(), EndsWith("about 14 min left"));
+    Wait(300'000);
+    bar->Show(0.02, "runs");
+    EXPECT_THAT(out_.str(), EndsWith("about 5 h left"));
+}
+
+TEST_F(ProgressBarTest, NestedOperationsTellNothingAboutTheTimeLeft) {
+    const auto bar = Bar(true);
+    bar->Begin("Outer", "", true);
+    Wait(4000);
+    bar->Show(0.5, "");
+    bar->Begin("Inner", "", true);
+    Wait(1000);
+    bar->Show(0.01, "");
+    EXPECT_THAT(out_.str(), EndsWith("1 % Outer, about 5 s left"));
+}
+
+TEST_F(ProgressBarTest, WithoutAShareThereIsNoTimeLeft) {
+    const auto bar = Bar(true);
+    bar->Begin("Search", "", true);
+    Wait(5000);
+    bar->Show(0.001, "runs");
+    bar->Show(-1, "runs");
+    Wait(5000);
+    bar->Show(-1, "runs");
+    EXPECT_THAT(out_.str(), testing::Not(HasSubstr("left")));
+}
+
 TEST_F(ProgressBarTest, WritesNothingWhereThereIsNoTerminal) {
     const auto bar = Bar(false);
     bar->Begin("Search", "", true);

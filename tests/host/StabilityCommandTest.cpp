@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "host/Cli.h"
@@ -157,6 +158,183 @@ TEST_F(SubsetCommands, ExhaustedMemoryIsAnError) {
     const Answer answer = Ask({"stability", "--used", "1000:1"});
     EXPECT_EQ(answer.code, 2);
     EXPECT_THAT(answer.err, HasSubstr("the search was given up"));
+}
+
+TEST_F(SubsetCommands, CsvIsPrintedInsteadOfTheTable) {
+    const Answer plan =
+        Ask({"stability", "--used", "1:1,3:2", "--times", "0,3", "--seconds", "1", "--csv"});
+    EXPECT_EQ(plan.code, 0) << plan.err;
+    ASSERT_EQ(LinesOf(plan.out).size(), 1U + 27U + 9U);
+    EXPECT_EQ(LinesOf(plan.out)[1], "A:1,0,c1-T0,c1,4,P,dark");
+    const Answer subsets = Ask({"subsets", "--reduction", "3", "--seconds", "1", "--csv"});
+    EXPECT_EQ(LinesOf(subsets.out)[0], "Subset,Name,pH,Buffer,Light");
+    EXPECT_EQ(LinesOf(subsets.out).size(), 1U + 27U);
+}
+
+TEST_F(SubsetCommands, CentrePointsAndReplicatesOfAllSets) {
+    const Answer answer = Ask({"stability",
+                               "--used",
+                               "1:1,3:1",
+                               "--times",
+                               "0,3",
+                               "--csv",
+                               "--center-points",
+                               "2",
+                               "--replicates",
+                               "1"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    const auto lines = LinesOf(answer.out);
+    ASSERT_EQ(lines.size(), 1U + (2 * 27 + 2) + (2 * 9 + 2));
+    // Centre points stand behind the copies: the middle level, and the first of a qualitative one.
+    // Of level factors alone that is a combination which has its name already.
+    EXPECT_EQ(lines[55], "A:1,0,c2-T0,c2,6,P,dark");
+    EXPECT_EQ(lines[28], "A:1,0,c1-T0,c1,4,P,dark");
+    EXPECT_EQ(lines.back(), "C:1,3,c2-T3,c2,6,P,dark");
+}
+
+TEST_F(SubsetCommands, CentrePointsOfSingleSets) {
+    const Answer answer = Ask({"stability",
+                               "--used",
+                               "1:1,3:1,1:1",
+                               "--csv",
+                               "--center-points",
+                               "1:1=1",
+                               "--replicates",
+                               "3:1=2"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    // A set that is used twice has them both times.
+    EXPECT_EQ(LinesOf(answer.out).size(), 1U + 28U + 27U + 28U);
+}
+
+TEST_F(SubsetCommands, CentrePointsOfSubsetsRepeatOneOfTheirRuns) {
+    const Answer answer = Ask({"subsets", "--reduction", "3", "--csv", "--center-points", "2"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    const auto lines = LinesOf(answer.out);
+    ASSERT_EQ(lines.size(), 1U + 3U * 11U);
+    EXPECT_EQ(lines[10], lines[11]);
+    EXPECT_THAT(lines[10], HasSubstr("rp-C:1"));
+    EXPECT_EQ(std::count(lines.begin() + 1, lines.begin() + 12, lines[10]), 3);
+}
+
+TEST_F(SubsetCommands, EmptySubsetsTakeNoCentrePoints) {
+    WriteFile(study_, Quantitatives(2));
+    const Answer answer =
+        Ask({"subsets", "--reduction", "5", "--csv", "--center-points", "1", "--seconds", "1"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    // Four combinations in five subsets: each has its run twice, the empty ones nothing.
+    EXPECT_LE(LinesOf(answer.out).size(), 1U + 8U);
+    EXPECT_GE(LinesOf(answer.out).size(), 1U + 5U);
+}
+
+TEST_F(SubsetCommands, CountsOfSetsNameWhatIsWrong) {
+    const std::vector<std::pair<std::string, std::string>> wrong{
+        {"x", "\"x\" must be a whole number from 0 to 1000000"},
+        {"-1", "\"-1\" must be a whole number"},
+        {"1.5", "\"1.5\" must be a whole number"},
+        {"1000001", "\"1000001\" must be a whole number"},
+        {"99999999999999999999", "must be a whole number"},
+        {"2:1=1", "\"2:1\" is no set in use; there are 1:1 and 3:1."},
+        {"=1", "\"\" is no set in use"},
+        {"1:1=", "\"\" must be a whole number"},
+        {"1:1=1,3:1", "\"3:1\" is no count of a set"},
+        {"1:1=1,1:1=2", "the set \"1:1\" is told twice"}};
+    for (const auto& [text, problem] : wrong) {
+        for (const char* option : {"--center-points", "--replicates"}) {
+            const Answer answer =
+                Ask({"stability", "--used", "1:1,3:1", std::string(option) + "=" + text});
+            EXPECT_EQ(answer.code, 2) << text;
+            EXPECT_THAT(answer.err, HasSubstr(std::string(option) + ": "));
+            EXPECT_THAT(answer.err, HasSubstr(problem));
+            EXPECT_EQ(answer.out, "");
+        }
+    }
+}
+
+TEST_F(SubsetCommands, TooManyReplicatesAreRefusedBeforeTheyAreMade) {
+    const Answer answer = Ask({"stability", "--used", "1:1", "--replicates", "1000000"});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("more than 1000000 runs"));
+}
+
+// The study of the fixture with options of its design.
+std::string WithOptions(const std::string& design, const std::string& options) {
+    return R"({"factors":[{"name":"a","type":"Multilevel","settings":[1,2,3]},
+                          {"name":"b","type":"Multilevel","settings":[1,2,3]},
+                          {"name":"c","type":"Multilevel","settings":[1,2,3]}],
+              "design":")" +
+           design + R"(","options":{"designSpecificOptions":)" + options + "}}";
+}
+
+TEST_F(SubsetCommands, StudiesHoldTheSetsOfTheirDesign) {
+    WriteFile(
+        study_,
+        WithOptions("Stability",
+                    R"({"usedDesigns":[{"reduction":3,"index":2},{"reduction":1,"index":1}]})"));
+    const Answer plan = Ask({"stability", "--csv"});
+    EXPECT_EQ(plan.code, 0) << plan.err;
+    EXPECT_THAT(LinesOf(plan.out)[1], StartsWith("C:2,0,"));
+    EXPECT_EQ(LinesOf(plan.out).size(), 1U + 9U + 27U);
+    // Options win over the study, and those of another design are not looked at.
+    EXPECT_EQ(LinesOf(Ask({"stability", "--csv", "--used", "1:1"}).out).size(), 1U + 27U);
+    EXPECT_THAT(Ask({"subsets", "--reduction", "3"}).err, HasSubstr("27 runs in 3 subsets"));
+}
+
+TEST_F(SubsetCommands, StudiesHoldTheReductionOfTheirDesign) {
+    WriteFile(study_, WithOptions("Generalized Subset Designs", R"({"reduction":3})"));
+    EXPECT_THAT(Ask({"subsets"}).err, HasSubstr("27 runs in 3 subsets"));
+}
+
+TEST_F(SubsetCommands, MalformedOptionsOfTheStudyAreNamed) {
+    const std::string list =
+        "Json parse error. Stability design option 'usedDesigns' is not correctly saved.";
+    const std::vector<std::pair<std::string, std::string>> stability{
+        {R"({"usedDesigns":3})", list},
+        {R"({"usedDesigns":[3]})", list},
+        {R"({"usedDesigns":[{"reduction":3}]})", list},
+        {R"({"usedDesigns":[{"reduction":"3","index":1}]})", list},
+        {R"({"usedDesigns":[{"reduction":0,"index":0}]})", "Reduction should be greater than 0."},
+        {R"({"usedDesigns":[{"reduction":3,"index":4}]})",
+         "The selected design should be between 1 and the reduction."},
+        {R"({"usedDesigns":[{"reduction":3,"index":0}]})",
+         "The selected design should be between 1 and the reduction."},
+        {R"({"sets":[]})", "sets"}};
+    for (const auto& [options, problem] : stability) {
+        WriteFile(study_, WithOptions("Stability", options));
+        const Answer answer = Ask({"stability"});
+        EXPECT_EQ(answer.code, 2) << options;
+        EXPECT_THAT(answer.err, HasSubstr(study_ + ": "));
+        EXPECT_THAT(answer.err, HasSubstr(problem)) << options;
+    }
+    for (const auto& [options, problem] :
+         {std::pair{R"({"reduction":0})", "Reduction should be greater than 0."},
+          {R"({"reduction":-2})", "options.designSpecificOptions"},
+          {R"({"reduction":"two"})", "options.designSpecificOptions"}}) {
+        WriteFile(study_, WithOptions("Generalized Subset Designs", options));
+        const Answer answer = Ask({"subsets"});
+        EXPECT_EQ(answer.code, 2) << options;
+        EXPECT_THAT(answer.err, HasSubstr(problem)) << options;
+    }
+}
+
+TEST_F(SubsetCommands, TimeLimitsReachFromNoneToDays) {
+    EXPECT_EQ(Ask({"subsets", "--reduction", "3", "--seconds", "0"}).code, 0);
+    EXPECT_EQ(Ask({"subsets", "--reduction", "3", "--seconds", "604800"}).code, 0);
+    const Answer years = Ask({"subsets", "--reduction", "3", "--seconds", "31622401"});
+    EXPECT_EQ(years.code, 2);
+    EXPECT_THAT(years.err, HasSubstr("--seconds: 31622401 must be"));
+}
+
+TEST_F(SubsetCommands, ExhaustedMemoryIsToldToTheUser) {
+    std::vector<std::string> told;
+    UserMessage::SetErrorReporter([&told](const std::string& text) { told.push_back(text); });
+    WriteFile(study_, Quantitatives(26));
+    const Answer answer = Ask({"stability", "--used", "1000:1"});
+    UserMessage::SetErrorReporter({});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(told,
+                testing::ElementsAre(
+                    "Subset designs with reduction 1000 cannot be created with the current factor "
+                    "setup. Out of memory, computations stopped."));
 }
 
 TEST_F(SubsetCommands, BuildTellsTheCommandToUse) {
