@@ -20,6 +20,8 @@
 #include "designs/mixture/SimDesign.h"
 #include "designs/optimal/D_OptimalBuilder.h"
 #include "designs/optimal/OnionBuilder.h"
+#include "designs/plate/PlateRows.h"
+#include "designs/plate/REDMUP.h"
 #include "designs/rsm/BB.h"
 #include "designs/rsm/CCC.h"
 #include "designs/rsm/CCF.h"
@@ -245,7 +247,13 @@ const AllDesigns& AllDesigns::ClassicDesigns() {
 }
 
 const AllDesigns& AllDesigns::ClassicAndREDMUPDesigns() {
-    static const AllDesigns designs = ClassicDesigns();
+    static const AllDesigns designs = [] {
+        AllDesigns list = ClassicDesigns();
+        for (auto& row : MakePlateRows()) {
+            list.Add(std::move(row));
+        }
+        return list;
+    }();
     return designs;
 }
 
@@ -253,6 +261,7 @@ const AllDesigns& AllDesigns::AllPossibleDesigns() {
     static const AllDesigns designs = [] {
         AllDesigns list = ClassicAndREDMUPDesigns();
         list.Add(GetStabilityBuilder());
+        list.Add(GetREDMUPBuilder());
         list.Add(GetGeneralizedSubsetBuilder());
         return list;
     }();
@@ -262,6 +271,12 @@ const AllDesigns& AllDesigns::AllPossibleDesigns() {
 std::shared_ptr<const DesignBuilder> AllDesigns::GetStabilityBuilder() {
     static const auto builder = std::make_shared<const StabilityDesignBuilder>(
         EDesign::Stability, "Stability", "Stability", "Stability testing design");
+    return builder;
+}
+
+std::shared_ptr<const DesignBuilder> AllDesigns::GetREDMUPBuilder() {
+    static const auto builder =
+        std::make_shared<const REDMUPBuilder>("RED-MUP", "RED-MUP", "RED-MUP");
     return builder;
 }
 

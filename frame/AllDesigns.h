@@ -25,6 +25,7 @@ class QORVA_EXPORT AllDesigns {
 
     /// The builders of the families that are asked for by name; made on first use.
     [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetStabilityBuilder();
+    [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetREDMUPBuilder();
     [[nodiscard]] static std::shared_ptr<const DesignBuilder> GetGeneralizedSubsetBuilder();
 
     /// The first builder of AllPossibleDesigns() of that type and exactly that data; for Custom any

@@ -50,7 +50,7 @@ class QORVA_EXPORT EDesign {
         Doehlert = 31,
         Levels = 32,
         Custom = 33,
-        Plugin = 34,  // a design made outside the engine
+        Plugin = 34,  // a pre-made design, which its data tells
         Reserved35 = 35,
         Stability = 36,
         J2 = 37,

@@ -15,6 +15,7 @@
 #include "host/EvaluateCommand.h"
 #include "host/HostError.h"
 #include "host/IOptCommand.h"
+#include "host/PlateCommand.h"
 #include "host/PowerCommand.h"
 #include "host/ProposeCommand.h"
 #include "host/SelectCommand.h"
@@ -50,6 +51,7 @@ class CommandLine {
         AddIOpt();
         AddStability();
         AddSubsets();
+        AddPlate();
     }
 
     // Returns 0 when the user asked for help or version, in which case there is nothing to run.
@@ -314,6 +316,30 @@ class CommandLine {
         command->callback([this] { run_ = [this] { RunSubsets(subsets_, out_, err_); }; });
     }
 
+    void AddPlate() {
+        CLI::App* command =
+            app_.add_subcommand("plate", "Spread a study over microtiter plates, well by well");
+        command->footer(cFooter);
+        PlateArguments& given = plate_;
+        command->add_option("STUDY", given.study, "Study file (JSON)")->required();
+        command->add_option("--size", given.size, "Wells of a plate: 96 (default), 384 or 1536");
+        command->add_option("--plates", given.plates, "Number of plates; default: 1");
+        command->add_option(
+            "--horizontal", given.horizontal, "Factors along the columns of the plate, as A,B");
+        command->add_option("--vertical", given.vertical, "Factors along its rows, as C,D");
+        command->add_option("--horizontal-design",
+                            given.horizontalDesign,
+                            "Design along the columns; default: the strongest proposal");
+        command->add_option("--vertical-design", given.verticalDesign, "Design along the rows");
+        command->add_option("--plate-factors",
+                            given.plateFactors,
+                            "yes: one more column tells the plate's letter; default: no");
+        command->add_flag(
+            "--validating", given.validating, "The same positions every time, for checks");
+        command->add_option("-o,--output", given.output, "CSV file of the runs to write, too");
+        command->callback([this] { run_ = [this] { RunPlate(plate_, out_, err_); }; });
+    }
+
     static void AddSearchOptions(CLI::App& command, SubsetSearchRequest& search) {
         command.add_option("--seconds", search.seconds, "Time limit of the search; 0: none");
         command.add_flag("--prefer-condition",
@@ -343,6 +369,7 @@ class CommandLine {
     IOptArguments iopt_;
     StabilityArguments stability_;
     SubsetsArguments subsets_;
+    PlateArguments plate_;
     std::function<void()> run_;
 };
 

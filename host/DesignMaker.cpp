@@ -395,6 +395,11 @@ BuiltDesign PrepareDesign(const Study& study, const DesignRequest& request) {
     BuiltDesign built;
     built.builder = ChooseBuilder(study, request, conditions);
     const DesignBuilder& builder = *built.builder;
+    if (builder.IsDesign() == EDesign::REDMUP) {
+        FailWith(fmt::format("{}: the design {} is made by the command plate.",
+                             study.file,
+                             Quoted(builder.GetShortString())));
+    }
     built.options = MakeOptions(builder, conditions);
     OverlayStudyOptions(built.options, builder, study);
     PrepareOptimal(built, study, request);

@@ -21,7 +21,9 @@ std::vector<std::string> AllDesignNames() {
     std::vector<std::string> names;
     for (const BuilderHandle& builder : AllDesigns::AllPossibleDesigns().GetAllDesigns()) {
         const std::string name = builder->GetShortString();
-        if (std::find(names.begin(), names.end(), name) == names.end()) {
+        // The many rows for plates would hide the rest.
+        if (builder->IsDesign() != EDesign::Plugin &&
+            std::find(names.begin(), names.end(), name) == names.end()) {
             names.push_back(name);
         }
     }

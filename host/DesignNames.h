@@ -12,5 +12,5 @@ using BuilderHandle = std::shared_ptr<const DesignBuilder>;
 /// first. An empty handle when there is none.
 [[nodiscard]] BuilderHandle FindBuilder(const std::string& name);
 
-/// The short names of all families, each once, in registry order.
+/// The short names of all families but the rows made for plates, each once, in registry order.
 [[nodiscard]] std::vector<std::string> AllDesignNames();

@@ -1,6 +1,7 @@
 #include "designs/optimal/DOptFactorAdapter.h"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 
 #include "foundation/mat/NCIntegralVector.h"
@@ -170,5 +171,8 @@ int DOptFactorAdapter::ExpandedWidth(int factor) const {
 
 int DOptFactorAdapter::FactorPosition(int index) const {
     const auto found = std::find(order_.begin(), order_.end(), index);
-    return found != order_.end() ? static_cast<int>(found - order_.begin()) + 1 : index + 1;
+    if (found != order_.end()) {
+        return static_cast<int>(found - order_.begin()) + 1;
+    }
+    return index == std::numeric_limits<int>::max() ? index : index + 1;
 }

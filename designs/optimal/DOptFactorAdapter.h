@@ -45,7 +45,7 @@ class DOptFactorAdapter : public Factors {
     /// Expanded variables of a factor counted from 1; 0 outside the factors.
     [[nodiscard]] int ExpandedWidth(int factor) const;
     /// Position, counted from 1, of a factor index of the caller, counted from 0. An index without
-    /// a factor gives index + 1.
+    /// a factor gives index + 1, the largest number at most.
     [[nodiscard]] int FactorPosition(int index) const;
 
   private:

@@ -13,6 +13,7 @@
 #include "host/CandidateFile.h"
 #include "host/CandidatesCommand.h"
 #include "host/DesignMaker.h"
+#include "host/PlateDesign.h"
 #include "host/Proposals.h"
 #include "host/StabilityCommand.h"
 #include "host/StudyFile.h"
@@ -44,10 +45,23 @@ const std::map<std::string, int> cConstrained{{"19-railroad-flare", 8}, {"20-coa
 // Studies of design sets, which are no worksheets of runs.
 const std::set<std::string> cDesignSets{"25-matrixing", "26-generalized-subset"};
 
+// Studies for plates, with what the command is told about them and the wells that it fills.
+PlateArguments TwoPlates() {
+    PlateArguments arguments;
+    arguments.size = 384;
+    arguments.plates = 2;
+    arguments.horizontal = "Buffer,pH,Salt";
+    arguments.vertical = "Substrate,Enzyme,Magnesium";
+    return arguments;
+}
+
+const std::map<std::string, std::pair<PlateArguments, int>> cPlates{
+    {"27-immunoassay", {PlateArguments(), 96}}, {"28-enzyme-screening", {TwoPlates(), 768}}};
+
 std::vector<std::string> ClassicalNames() {
     std::vector<std::string> names = ExampleNames();
     std::erase_if(names, [](const std::string& name) {
-        return cConstrained.contains(name) || cDesignSets.contains(name);
+        return cConstrained.contains(name) || cDesignSets.contains(name) || cPlates.contains(name);
     });
     return names;
 }
@@ -153,6 +167,15 @@ TEST(DesignSetExamples, SubsetsOfSeventyTwoRunsHaveEighteen) {
     EXPECT_THAT(err.str(), testing::HasSubstr("72 runs in 4 subsets"));
     for (const char* subset : {"D:1 ", "D:2 ", "D:3 ", "D:4 "}) {
         EXPECT_THAT(out.str(), testing::HasSubstr(std::string(subset) + "      18  yes"));
+    }
+}
+
+TEST(PlateExamples, FillTheirPlates) {
+    for (const auto& [name, asked] : cPlates) {
+        const Study study = ReadExample(name);
+        EXPECT_EQ(study.design, "RED-MUP") << name;
+        const PlateDesign made = MakePlateDesign(study, asked.first);
+        EXPECT_EQ(made.design->GetDesignMatrix()->SizeRows(), asked.second) << name;
     }
 }
 
