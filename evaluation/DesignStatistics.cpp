@@ -6,6 +6,7 @@
 #include "evaluation/Power.h"
 #include "evaluation/StatisticsModel.h"
 #include "foundation/utl/ConfigurationSection.h"
+#include "foundation/utl/Exceptions.h"
 #include "frame/Factors.h"
 
 namespace {
@@ -75,5 +76,8 @@ double DesignStatistics::CalculatePower(int modelIndex,
                                         double effect,
                                         double noise,
                                         double probability) const {
+    if (power_ == nullptr) {
+        throw InvalidOperationException("DesignStatistics::CalculatePower");
+    }
     return power_->GetPower(modelIndex, effect / noise, noise, probability);
 }

@@ -82,6 +82,7 @@ class QORVA_EXPORT DesignStatistics {
     /// @param noise standard deviation of one run
     /// @param probability confidence level of the test
     /// @return NaN where no power can be told
+    /// @throws InvalidOperationException before SetupPower
     [[nodiscard]] double CalculatePower(int modelIndex,
                                         double effect,
                                         double noise,

@@ -1,6 +1,7 @@
 #include "evaluation/Power.h"
 
 #include <algorithm>
+#include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/complement.hpp>
 #include <boost/math/distributions/fisher_f.hpp>
 #include <boost/math/distributions/non_central_f.hpp>
@@ -29,7 +30,13 @@ constexpr double cMostCondition = 1e8;
 constexpr double cSmallestTotal = 1.000001;
 
 int LevelAt(const NCDataMatrix<float>& matrix, int row, int column) {
-    return static_cast<int>(std::trunc(static_cast<double>(matrix(row, column)) + cLevelTolerance));
+    constexpr double cMostLevels = 1e6;
+    constexpr int cNoLevel = -1;
+    const auto value = static_cast<double>(matrix(row, column));
+    // NaN is refused, too.
+    return value >= cNoLevel && value <= cMostLevels
+               ? static_cast<int>(std::trunc(value + cLevelTolerance))
+               : cNoLevel;
 }
 
 /// The number of levels of a qualitative column, whose levels are 0, 1, ..., N - 1.
@@ -334,8 +341,21 @@ double Power::CalcPower(double nonCentrality, std::size_t tested, double probabi
         static_cast<double>(mX.SizeRows()) - static_cast<double>(mX.SizeColumns());
     const double critical = boost::math::quantile(
         boost::math::fisher_f_distribution<double>(between, within), probability);
-    const double tail = boost::math::cdf(boost::math::complement(
-        boost::math::non_central_f_distribution<double>(between, within, nonCentrality), critical));
+    // The series of the distribution fails there, and the residual would have to be a hundred times
+    // its expectation to hide such an effect.
+    constexpr double cBeyondSeries = 1e9;
+    constexpr double cCertain = 100;
+    if (nonCentrality > cBeyondSeries && cCertain * between * critical < nonCentrality) {
+        return 1.0;
+    }
+    // There the numerator hardly varies any more, and the residual alone decides.
+    const double tail =
+        nonCentrality > cBeyondSeries
+            ? boost::math::cdf(boost::math::chi_squared_distribution<double>(within),
+                               within * (between + nonCentrality) / (between * critical))
+            : boost::math::cdf(boost::math::complement(
+                  boost::math::non_central_f_distribution<double>(between, within, nonCentrality),
+                  critical));
     return tail + probability > cSmallestTotal ? tail : std::numeric_limits<double>::quiet_NaN();
 }
 

@@ -52,6 +52,15 @@ void RecodeLevels(NCDataMatrix<float>& matrix, int column, unsigned int levels) 
     }
 }
 
+void RequireCopies(long long runs, long long copies) {
+    if (runs > 0 && copies > NCDesign::cMaxFinishedRuns / runs) {
+        throw Exception(ExceptionMessage::translate(
+                            "The design would have {1} runs in each of {2} copies. It may have at "
+                            "most {3} runs in all.")
+                        << runs << copies << NCDesign::cMaxFinishedRuns);
+    }
+}
+
 void ReplaceZeros(NCDataMatrix<float>& matrix, int column, float code) {
     for (int row = 1; row <= matrix.SizeRows(); ++row) {
         if (matrix(row, column) == 0.0F) {
@@ -129,6 +138,7 @@ void NCDesign::AddReplicates(unsigned int count) {
     if (!matrix_ || count == 0) {
         return;
     }
+    RequireCopies(matrix_->SizeRows(), static_cast<long long>(count) + 1);
     NCDataMatrix<float>& matrix = DetachedMatrix();
     const NCDataMatrix<float> once = matrix;
     matrix.ReserveRows(once.SizeRows() * static_cast<int>(count + 1));
@@ -140,13 +150,7 @@ void NCDesign::AddReplicates(unsigned int count) {
 void NCDesign::RequireFinishedSize(int coreRuns, const DesignOptions& options) {
     const long long once =
         static_cast<long long>(coreRuns) + options.GetReplicatedRuns() + options.GetCenterPoints();
-    const long long copies = static_cast<long long>(options.GetReplicates()) + 1;
-    if (once > 0 && copies > cMaxFinishedRuns / once) {
-        throw Exception(ExceptionMessage::translate(
-                            "The design would have {1} runs in each of {2} copies. It may have at "
-                            "most {3} runs in all.")
-                        << once << copies << cMaxFinishedRuns);
-    }
+    RequireCopies(once, static_cast<long long>(options.GetReplicates()) + 1);
 }
 
 void NCDesign::SetDesignMatrixAddAndAdjust(const NCDataMatrix<float>& table,

@@ -68,9 +68,7 @@ void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& 
         err << fmt::format("Stopped: the design is the best of {} found so far.\n",
                            reduced->GetResults().size());
     }
-    if (!arguments.project.empty()) {
-        SaveProject(project, *built.design, arguments.project);
-    }
+    // The project last: a worksheet that cannot be written leaves it as it was.
     if (arguments.output.empty()) {
         out << csv << std::flush;
         if (!out) {
@@ -78,6 +76,9 @@ void RunBuild(const BuildArguments& arguments, std::ostream& out, std::ostream& 
         }
     } else {
         QvFile::ReplaceAll(arguments.output, csv);
+    }
+    if (!arguments.project.empty()) {
+        SaveProject(project, *built.design, arguments.project);
     }
     if (const auto* search = dynamic_cast<const D_Optimal*>(built.design.get())) {
         // The worksheet may have the output for itself.

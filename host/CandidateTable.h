@@ -38,7 +38,7 @@ struct CandidateColumnNames {
 
 /// The candidates in layers, the innermost first: those that the table tells, else equal shares by
 /// ascending score, else equal shares by distance from the centre. The candidate nearest the centre
-/// stands behind the last layer once more: it belongs to every layer, and centre points copy it.
+/// stands behind the last layer once more: that layer is given it, and centre points copy it.
 /// Each layer begins with candidates far from one another, for the search starts there; the others
 /// keep their order.
 /// @param layers from 1 to the number of candidates; with layers in the table, as many as these

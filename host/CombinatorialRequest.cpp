@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr long long cMostLevels = 255;
+constexpr long long cMostLevels = J2Options::cMaxLevels;
 
 J2Options& FamilyOptions(DesignOptions& options) {
     return dynamic_cast<J2Options&>(*options.GetDesignSpecificOptions());

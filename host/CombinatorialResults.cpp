@@ -12,6 +12,8 @@
 namespace {
 
 constexpr int cLevelsOfASquare = 3;
+/// Of a factor without a column, which has no levels to coincide on.
+constexpr float cNoValue = NCDataMatrix<float>::cMissing;
 
 // The sum over all pairs of runs, replicated ones left out, of the squared number of factors on
 // which they coincide.
@@ -24,7 +26,7 @@ long long CoincidencesOf(const J2Design::Results& result) {
             const auto second = result.design.RowSpan(b);
             long long same = 0;
             for (std::size_t i = 0; i < first.size(); ++i) {
-                same += first[i] == second[i] ? 1 : 0;
+                same += first[i] == second[i] && first[i] != cNoValue ? 1 : 0;
             }
             sum += same * same;
         }

@@ -322,7 +322,7 @@ void PrepareOptimal(BuiltDesign& built, const Study& study, const DesignRequest&
     if (const auto blocks = GivenCount(request.blocks, "--blocks", study, "blocks")) {
         built.options.SetBlocks(std::clamp(CountOf(*blocks), 1U, cMostBlocksOfAModel));
     }
-    ApplyOptimalRequest(request.optimal, study, *built.builder, built.options);
+    built.notes = ApplyOptimalRequest(request.optimal, study, *built.builder, built.options);
 }
 
 void PrepareCombinatorial(BuiltDesign& built, const Study& study, const DesignRequest& request) {

@@ -43,6 +43,11 @@ void PrintHead(const JudgedDesign& design, const DesignEvaluation& evaluation, s
 void PrintSingular(const JudgedDesign& design,
                    const DesignEvaluation& evaluation,
                    std::ostream& out) {
+    if (evaluation.dependent.empty()) {
+        out << "\nA figure of the model cannot be computed for these runs. There are no leverages "
+               "and no variances.\n";
+        return;
+    }
     out << fmt::format(
         "\nThe model is singular for this design: {} runs tell {} of {} columns apart. "
         "Combinations of the columns before them are {}. There are no leverages and no "

@@ -15,6 +15,7 @@
 #include "host/FilePaths.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
+#include "host/JsonPlace.h"
 #include "host/JudgedDesign.h"
 #include "host/ModelColumns.h"
 #include "host/Notes.h"
@@ -76,6 +77,20 @@ void RequireRuns(long long runs, const NCDataMatrix<float>& model) {
     }
 }
 
+void NoteUnusedOptions(const Study& study, std::ostream& err) {
+    std::vector<std::string> unused;
+    for (const char* const option :
+         {"centerPoints", "replicatedDesigns", "replicatedRuns", "runs", "designSpecificOptions"}) {
+        if (study.options.has_child(option)) {
+            unused.push_back(Quoted(option));
+        }
+    }
+    if (!unused.empty()) {
+        err << fmt::format(
+            "{}: iopt does not use the options {}.\n", study.file, ListOf(unused, "and"));
+    }
+}
+
 Task MakeTask(const IOptArguments& arguments, std::ostream& err) {
     Task task;
     task.study = ReadStudyFile(arguments.study);
@@ -85,6 +100,13 @@ Task MakeTask(const IOptArguments& arguments, std::ostream& err) {
         FailWith(
             fmt::format("{}: options.blocks: iopt makes designs without blocks.", task.study.file));
     }
+    if (arguments.runs.value_or(0) > task.study.MaxRuns() &&
+        task.study.MaxRuns() != DesignOptions::cNoRunLimit) {
+        FailWith(fmt::format("--runs: {} are more than the run limit of the study, {}.",
+                             *arguments.runs,
+                             task.study.MaxRuns()));
+    }
+    NoteUnusedOptions(task.study, err);
     task.terms = TermsOfStudy(task.study, arguments.model, arguments.modelTerms);
     task.grid = MakeSettingsGrid(
         task.study,

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "foundation/utl/QvFile.h"
-#include "host/CandidateFile.h"
+#include "host/CombinatorialRequest.h"
 #include "host/HostError.h"
 #include "host/Notes.h"
 #include "host/OnionRequest.h"
@@ -37,7 +37,7 @@ bool IsProject(const std::string& path) {
 // A project and a worksheet have their runs already.
 void RequireNothingToBuild(const DesignRequest& request, const std::string& holder) {
     const OptimalRequest& optimal = request.optimal;
-    const std::array<std::pair<const char*, bool>, 17> given{
+    const std::array<std::pair<const char*, bool>, 15> given{
         {{"--design", !request.design.empty()},
          {"--runs", request.runs.has_value()},
          {"--center-points", request.centerPoints.has_value()},
@@ -105,6 +105,15 @@ const D_OptimalOptions* FamilyOptions(const Subject& subject) {
                : nullptr;
 }
 
+// The options that hold the terms of a search.
+const D_OptimalOptions* TermOptions(const Subject& subject) {
+    const bool hasTerms =
+        subject.builder && (IsDOptimal(*subject.builder) || IsCombinatorial(*subject.builder));
+    return hasTerms
+               ? dynamic_cast<const D_OptimalOptions*>(subject.options.GetDesignSpecificOptions())
+               : nullptr;
+}
+
 // The candidates that the layers of an onion design were picked from; null without any.
 const CandidateSet* LayeredCandidates(const Subject& subject) {
     const bool isLayered = subject.builder && IsOnion(*subject.builder) &&
@@ -144,8 +153,8 @@ ModelTerms::Request ModelRequestOf(EModel::Type model, const JudgedDesign& desig
 
 Terms TermsByModel(const Subject& subject, const JudgedDesign& design) {
     const StudyFactors& factors = design.study.factors;
-    if (const D_OptimalOptions* family = FamilyOptions(subject)) {
-        return family->GetModel(EDesign::DOpt, factors, subject.options);
+    if (const D_OptimalOptions* family = TermOptions(subject)) {
+        return family->GetModel(subject.builder->IsDesign(), factors, subject.options);
     }
     const EModel::Type model =
         subject.options.GetModel() != EModel::None ? subject.options.GetModel() : EModel::Linear;
@@ -163,7 +172,7 @@ Terms TermsOf(const JudgeRequest& asked, const Subject& subject, const JudgedDes
                                 ModelRequestOf(NamedModel(asked.request.model), design));
     }
     // The options of a search hold its terms, those of the study among them.
-    if (!asked.request.optimal.modelTerms && FamilyOptions(subject) != nullptr) {
+    if (!asked.request.optimal.modelTerms && TermOptions(subject) != nullptr) {
         return TermsByModel(subject, design);
     }
     if (const auto given = TermsGiven(asked.request.optimal.modelTerms, design.study)) {
@@ -193,10 +202,13 @@ Matrix SearchedCandidates(const D_OptimalOptions& family,
     if (inclusions.SizeRows() == 0) {
         return rows;
     }
-    Matrix all = inclusions;
-    if (all.SizeColumns() == rows.SizeColumns()) {
-        all.ConcatRows(rows);
+    if (inclusions.SizeColumns() != rows.SizeColumns()) {
+        throw Exception(ExceptionMessage::translate(
+            "The inclusions file and the candidate set are not consistent. They don't have the "
+            "same variables."));
     }
+    Matrix all = inclusions;
+    all.ConcatRows(rows);
     return all;
 }
 
@@ -210,7 +222,9 @@ bool HasPower(const Terms& terms) {
 Matrix RegionCandidates(const JudgedDesign& design, const Subject& subject) {
     auto family = std::make_shared<D_OptimalOptions>();
     const EModel::Type model = HasPower(design.terms) ? EModel::Quadratic : EModel::Linear;
-    family->SetDOptMixtureModel(model);
+    family->SetDOptMixtureModel(design.study.factors.IsMixture()
+                                    ? MixtureModelFor(design.terms, design.study.factors)
+                                    : EModel::None);
     family->SetConstraints(design.study.constraints, design.study.factors);
     DesignOptions options = subject.options;
     options.SetModel(model);
@@ -218,12 +232,6 @@ Matrix RegionCandidates(const JudgedDesign& design, const Subject& subject) {
     options.SetDesignSpecificOptions(family);
     return DOpt::GenerateCandidateset(
         nullptr, design.study.factors, options, false, nullptr, nullptr, cMostCandidateCells);
-}
-
-Matrix ReadCandidates(const std::string& path, const JudgedDesign& design) {
-    Study blocked = design.study;
-    blocked.options.put_child("blocks") = design.blocks;
-    return ReadCandidateFile(path, blocked).set.GetMatrix();
 }
 
 Matrix CandidatesOf(const JudgeRequest& asked,
@@ -236,7 +244,8 @@ Matrix CandidatesOf(const JudgeRequest& asked,
     }
     // Of a design that was built here, the file's candidates are those of the search.
     if (!asked.request.optimal.candidates.empty() && family == nullptr) {
-        return ReadCandidates(asked.request.optimal.candidates, design);
+        return ReadFittingCandidates(asked.request.optimal.candidates, design.study, design.blocks)
+            .GetMatrix();
     }
     try {
         return family != nullptr
@@ -268,6 +277,9 @@ Subject BuildSubject(const JudgeRequest& asked, JudgedDesign& design, std::ostre
                 built.design->IsMixtureOnlyDesign(),
                 static_cast<int>(built.options.GetBlocks())});
     design.name = built.builder->GetDisplayName();
+    for (const std::string& note : built.notes) {
+        err << note << '\n';
+    }
     err << fmt::format("{}: {} runs\n", design.name, design.runs.SizeRows());
     return {built.builder, built.options};
 }
@@ -290,7 +302,10 @@ int BlocksOf(const JudgeRequest& asked, const Study& study) {
         blocks = study.options.get_child("blocks").get_integer();
     }
     if (blocks < 1 || blocks > cMost) {
-        FailWith(fmt::format("--blocks: {} must be a whole number from 1 to {}.", blocks, cMost));
+        FailWith(fmt::format("{}: {} must be a whole number from 1 to {}.",
+                             asked.request.blocks ? "--blocks" : study.file + ": options.blocks",
+                             blocks,
+                             cMost));
     }
     return static_cast<int>(blocks);
 }

@@ -187,6 +187,21 @@ Terms MainEffects(const StudyFactors& factors, int blocks) {
     return terms;
 }
 
+// The name as Read takes it.
+std::string Written(const std::string& name) {
+    if (name.find_first_of(",*^\"") == std::string::npos) {
+        return name;
+    }
+    std::string text = "\"";
+    for (const char letter : name) {
+        text += letter;
+        if (letter == '"') {
+            text += letter;
+        }
+    }
+    return text + '"';
+}
+
 }  // namespace
 
 Terms ModelTermsText::Read(const std::string& text,
@@ -219,7 +234,7 @@ std::string ModelTermsText::TextOf(const std::vector<int>& term, const StudyFact
         const auto next =
             std::find_if(first, term.end(), [first](int other) { return other != *first; });
         const bool isBlock = *first >= static_cast<int>(factors.All().size());
-        text += (text.empty() ? "" : "*") + (isBlock ? "block" : factors.At(*first).name);
+        text += (text.empty() ? "" : "*") + (isBlock ? "block" : Written(factors.At(*first).name));
         if (next - first > 1) {
             text += fmt::format("^{}", next - first);
         }

@@ -22,7 +22,7 @@ using Terms = std::vector<std::vector<int>>;
                          int blocks,
                          const std::string& place);
 
-/// "Temperature*Flow", "Flow^2", "constant" or "block".
+/// "Temperature*Flow", "Flow^2", "constant" or "block"; names in quotes where Read needs them.
 [[nodiscard]] std::string TextOf(const std::vector<int>& term, const StudyFactors& factors);
 
 /// The terms of two or more factors: "A*B, A^2", or "main effects" when there are none.

@@ -85,6 +85,13 @@ void RequireEnoughCandidates(const std::string& path,
         return;
     }
     const int terms = OnionBuilder::GetDefaultNoModelTerms(options.GetModel(), CountOf(factors));
+    if (terms == 0) {
+        FailWith(
+            fmt::format("{}: candidates under constraints are divided for a linear, interaction or "
+                        "quadratic model; the model is {}.",
+                        path,
+                        EModel::GetString(options.GetModel())));
+    }
     FailWith(
         fmt::format("{}: {} candidates that keep the constraints are too few for layers of "
                     "a model with {} terms; at least {} are needed.",

@@ -10,7 +10,6 @@
 #include "host/CandidateFile.h"
 #include "host/HostError.h"
 #include "host/JsonPlace.h"
-#include "host/ModelTermsText.h"
 #include "host/RunsFile.h"
 
 using SearchLimits::cMostRepetitions;
@@ -126,21 +125,6 @@ CandidateSet CurvedCandidates(const Study& study, const DesignOptions& options) 
     return candidates;
 }
 
-// The mixture model whose candidates can tell the terms.
-EModel::Type MixtureModelFor(const ModelTermsText::Terms& terms, const StudyFactors& factors) {
-    std::size_t degree = 1;
-    for (const std::vector<int>& term : terms) {
-        const auto shares = std::ranges::count_if(term, [&factors](int factor) {
-            return factor < static_cast<int>(factors.All().size()) &&
-                   factors.GetFactorType(factor) == CEType::Formulation;
-        });
-        degree = std::max(degree, static_cast<std::size_t>(shares));
-    }
-    constexpr std::array<EModel::Type, 3> cByDegree{
-        EModel::Linear, EModel::Quadratic, EModel::Cubic};
-    return cByDegree[std::min(degree, cByDegree.size()) - 1];
-}
-
 // The runs that the engine would give a model of that many terms by default.
 unsigned int DefaultRuns(const Study& study,
                          const DesignBuilder& builder,
@@ -179,26 +163,26 @@ void ApplyTerms(const GivenTerms& given,
 }
 
 void ApplyCandidates(const std::string& path, const Study& study, DesignOptions& options) {
-    Study blocked = study;
-    blocked.options.put_child("blocks") = static_cast<long long>(options.GetBlocks());
-    CandidateFile file = ReadCandidateFile(path, blocked);
-    if (file.misfits > 0) {
-        FailWith(fmt::format("{}: {} of {} candidates lie outside the study; {}.",
-                             path,
-                             file.misfits,
-                             file.set.SizeRows(),
-                             file.firstMisfit));
-    }
     D_OptimalOptions& family = FamilyOptions(options);
-    family.SetCandidateSet(file.set);
+    family.SetCandidateSet(
+        ReadFittingCandidates(path, study, static_cast<int>(options.GetBlocks())));
     family.SetNewCandidateSet(false);
 }
 
-void ApplyInclusions(const std::string& path, const Study& study, DesignOptions& options) {
+// Returns what the user should know about the file.
+std::vector<std::string> ApplyInclusions(const std::string& path,
+                                         const Study& study,
+                                         DesignOptions& options) {
     const RunsFile file = ReadRunsFile(path, study, static_cast<int>(options.GetBlocks()));
     D_OptimalOptions& family = FamilyOptions(options);
     family.SetInclusions(file.matrix, study.factors);
     family.SetUseInclusion(true);
+    std::vector<std::string> notes;
+    notes.reserve(file.notes.size());
+    for (const std::string& note : file.notes) {
+        notes.push_back(fmt::format("{}: {}", path, note));
+    }
+    return notes;
 }
 
 // A reduced combinatorial design is searched for as well, but not among candidates.
@@ -212,6 +196,34 @@ void RequireOptionOfEverySearch(std::string_view option) {
 }
 
 }  // namespace
+
+EModel::Type MixtureModelFor(const ModelTermsText::Terms& terms, const StudyFactors& factors) {
+    std::size_t degree = 1;
+    for (const std::vector<int>& term : terms) {
+        const auto shares = std::ranges::count_if(term, [&factors](int factor) {
+            return factor < static_cast<int>(factors.All().size()) &&
+                   factors.GetFactorType(factor) == CEType::Formulation;
+        });
+        degree = std::max(degree, static_cast<std::size_t>(shares));
+    }
+    constexpr std::array<EModel::Type, 3> cByDegree{
+        EModel::Linear, EModel::Quadratic, EModel::Cubic};
+    return cByDegree[std::min(degree, cByDegree.size()) - 1];
+}
+
+CandidateSet ReadFittingCandidates(const std::string& path, const Study& study, int blocks) {
+    Study blocked = study;
+    blocked.options.put_child("blocks") = blocks;
+    CandidateFile file = ReadCandidateFile(path, blocked);
+    if (file.misfits > 0) {
+        FailWith(fmt::format("{}: {} of {} candidates lie outside the study; {}.",
+                             path,
+                             file.misfits,
+                             file.set.SizeRows(),
+                             file.firstMisfit));
+    }
+    return std::move(file.set);
+}
 
 void ApplySearchSettings(const OptimalRequest& request, D_OptimalOptions& family) {
     if (request.repetitions) {
@@ -267,10 +279,11 @@ std::optional<GivenTerms> TermsGiven(const std::optional<std::string>& requested
     return std::nullopt;
 }
 
-void ApplyOptimalRequest(const OptimalRequest& request,
-                         const Study& study,
-                         const DesignBuilder& builder,
-                         DesignOptions& options) {
+std::vector<std::string> ApplyOptimalRequest(const OptimalRequest& request,
+                                             const Study& study,
+                                             const DesignBuilder& builder,
+                                             DesignOptions& options) {
+    std::vector<std::string> notes;
     RequireSound(FamilyOptions(options),
                  study.factors,
                  options.GetBlocks(),
@@ -280,11 +293,12 @@ void ApplyOptimalRequest(const OptimalRequest& request,
         ApplyCandidates(request.candidates, study, options);
     }
     if (!request.inclusions.empty()) {
-        ApplyInclusions(request.inclusions, study, options);
+        notes = ApplyInclusions(request.inclusions, study, options);
     }
     if (const auto given = TermsGiven(request.modelTerms, study)) {
         ApplyTerms(*given, study, builder, options);
     }
+    return notes;
 }
 
 void RequireSound(const D_OptimalOptions& family,

@@ -2,8 +2,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/DesignNames.h"
+#include "host/ModelTermsText.h"
 #include "host/Study.h"
 
 /// What a user may ask of the search for a D-optimal design.
@@ -54,11 +56,23 @@ struct GivenTerms {
 /// Puts the request into the options of a D-optimal design, before its runs are set: an explicit
 /// model brings its own default of the runs and, where the objective's candidates could not tell
 /// its squares, candidates of its own. Blocks must be set.
+/// @return what the user should know about it
 /// @throws Exception naming the option or file and what is wrong
-void ApplyOptimalRequest(const OptimalRequest& request,
-                         const Study& study,
-                         const DesignBuilder& builder,
-                         DesignOptions& options);
+std::vector<std::string> ApplyOptimalRequest(const OptimalRequest& request,
+                                             const Study& study,
+                                             const DesignBuilder& builder,
+                                             DesignOptions& options);
+
+/// The mixture model whose candidates can tell the terms: by the number of Formulation factors in
+/// the longest product.
+[[nodiscard]] EModel::Type MixtureModelFor(const ModelTermsText::Terms& terms,
+                                           const StudyFactors& factors);
+
+/// The candidates of a file for a design in that many blocks.
+/// @throws Exception as ReadCandidateFile does, and for rows outside the study
+[[nodiscard]] CandidateSet ReadFittingCandidates(const std::string& path,
+                                                 const Study& study,
+                                                 int blocks);
 
 /// Refuses options from a file that no search can have written: a balance on what has no levels,
 /// terms of factors that are not there, counts out of their range.

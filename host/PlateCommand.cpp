@@ -17,6 +17,11 @@
 
 namespace {
 
+using SubDesign = REDMUPOptions::REDMUPSubDesign;
+
+constexpr const char* cPlate = "Plate";
+constexpr const char* cWell = "Well";
+constexpr const char* cName = "Name";
 constexpr const char* cPlateLetter = "PlateLetter";
 
 // The runs in the order of the design, with texts to print, and where they stand.
@@ -87,7 +92,7 @@ PlateRuns MakeRuns(const PlateDesign& made, const StudyFactors& factors) {
 // run, and the settings.
 WorksheetTable MakeRunList(const PlateRuns& runs) {
     WorksheetTable list = runs.settings;
-    list.header.insert(list.header.begin(), {"Plate", "Well", "Name"});
+    list.header.insert(list.header.begin(), {cPlate, cWell, cName});
     for (std::size_t run = 0; run < list.lines.size(); ++run) {
         const auto [row, column] = PlaceOf(runs.names[run]);
         const std::string plate = std::to_string(run / runs.Wells() + 1);
@@ -144,7 +149,7 @@ std::string PlateTable(const PlateRuns& runs, const std::vector<std::size_t>& fa
     if (factors.empty()) {
         return {};
     }
-    std::vector<std::string> header{"Plate"};
+    std::vector<std::string> header{cPlate};
     std::vector<std::vector<std::string>> lines;
     for (const std::size_t factor : factors) {
         header.push_back(runs.settings.header[factor]);
@@ -194,18 +199,80 @@ void PrintGrids(const PlateRuns& runs, const StudyFactors& factors, std::ostream
     out << text << (table.empty() ? "" : table + "\n");
 }
 
+// The factor of a side that has one only, when it is qualitative.
+const StudyFactor* LoneQualitative(const SubDesign& design, const StudyFactors& factors) {
+    if (design.factors.size() != 1) {
+        return nullptr;
+    }
+    const StudyFactor& factor = factors.At(static_cast<int>(design.factors.front()));
+    return factor.type == CEType::Qualitative ? &factor : nullptr;
+}
+
+// How often the side repeats the levels of a qualitative factor; 0 for any other design.
+unsigned int CopiesOfLevels(const SubDesign& design, const StudyFactors& factors) {
+    const auto builder = AllDesigns::GetDesignBuilder(design.designType, design.designData);
+    const auto* repeated = dynamic_cast<const LevelsDuplicate*>(builder.get());
+    const bool isRepeated = repeated != nullptr && LoneQualitative(design, factors) != nullptr;
+    return isRepeated ? repeated->GetTimes() : 0;
+}
+
+// Copies of a qualitative factor's levels are filled up with further levels, and no centre points.
+std::string RunsText(const SubDesign& design, const StudyFactors& factors) {
+    const DesignOptions& options = *design.options;
+    const unsigned int copies = CopiesOfLevels(design, factors);
+    if (copies == 0) {
+        return fmt::format(
+            "{} runs and {} centre points", options.GetRuns(), options.GetCenterPoints());
+    }
+    const auto levels = static_cast<unsigned int>(LoneQualitative(design, factors)->levels.size());
+    const unsigned int further = options.GetMaxRuns() - copies * levels;
+    const std::string more = further == 0   ? ""
+                             : further == 1 ? " and one more of the first"
+                                            : fmt::format(" and one more of the first {}", further);
+    return fmt::format("{} runs ({} of each level{})", options.GetMaxRuns(), copies, more);
+}
+
 void PrintSide(const char* side,
-               const REDMUPOptions::REDMUPSubDesign& design,
+               const SubDesign& design,
                const StudyFactors& factors,
                std::ostream& err) {
     const DesignOptions& options = *design.options;
-    err << fmt::format("{}: {} of {}, {} runs and {} centre points, {} model\n",
+    err << fmt::format("{}: {} of {}, {}, {} model\n",
                        side,
                        EDesign::GetShortString(design.designType, design.designData),
                        ListOf(FactorNames(design.factors, factors), "and"),
-                       options.GetRuns(),
-                       options.GetCenterPoints(),
+                       RunsText(design, factors),
                        EModel::ToJson(options.GetModel()).get_string());
+    const StudyFactor* alone = LoneQualitative(design, factors);
+    if (alone != nullptr && options.GetCenterPoints() > 0 && CopiesOfLevels(design, factors) == 0) {
+        err << fmt::format("{}: {} has no centre; all centre points are its first level, {}.\n",
+                           side,
+                           alone->name,
+                           Quoted(alone->levels.front()));
+    }
+}
+
+// The list of wells and the tables of plates name each column once.
+void RequireFreeNames(const Study& study, const REDMUPOptions& plates) {
+    std::vector<std::string> taken{cPlate, cWell, cName};
+    if (plates.GetPlateFactorsUse() == REDMUPOptions::WithPlateColumn) {
+        taken.emplace_back(cPlateLetter);
+    }
+    const auto require = [&](const std::string& name) {
+        if (std::find(taken.begin(), taken.end(), name) != taken.end()) {
+            FailWith(fmt::format(
+                "{}: the factor {} has the name of another column in the list of wells; choose "
+                "another name.",
+                study.file,
+                Quoted(name)));
+        }
+    };
+    for (const StudyFactor& factor : study.factors.All()) {
+        require(factor.name);
+    }
+    if (const auto& filler = study.factors.GetFiller()) {
+        require(filler->name);
+    }
 }
 
 void PrintUnused(const Study& study, std::ostream& err) {
@@ -227,6 +294,7 @@ void RunPlate(const PlateArguments& arguments, std::ostream& out, std::ostream& 
     }
     PrintUnused(study, err);
     const PlateDesign made = MakePlateDesign(study, arguments);
+    RequireFreeNames(study, made.Plates());
     const PlateRuns runs = MakeRuns(made, study.factors);
     if (!arguments.output.empty()) {
         QvFile::ReplaceAll(arguments.output, ToCsv(MakeRunList(runs)));

@@ -162,6 +162,10 @@ struct Side {
 
 // Sets the family's design that fills the side: its default runs, else the most that fit.
 bool TrySetDesign(SubDesign& design, const DesignBuilder& builder, const Factors& all, int size) {
+    // Its runs are candidates in real units, which are no settings of a plate.
+    if (builder.IsDesign() == EDesign::OnionDOpt) {
+        return false;
+    }
     const auto view = design.GetREDMUPFactors(all);
     DesignOptions options(builder, *view);
     const EModel::Type model = options.GetModel();

@@ -17,6 +17,8 @@ namespace {
 
 constexpr double cLargestEffect = 1e6;
 constexpr std::size_t cMostEffects = 20;
+// Below, 1 minus the level has few digits left.
+constexpr double cSmallestAlpha = 1e-12;
 
 // The numbers of a request, checked.
 struct Question {
@@ -32,6 +34,9 @@ Question Checked(const PowerArguments& arguments) {
     question.alpha = arguments.alpha.value_or(PowerArguments::cDefaultAlpha);
     if (!(question.alpha > 0 && question.alpha < 1)) {
         FailWith(fmt::format("--alpha: {} must be between 0 and 1.", question.alpha));
+    }
+    if (question.alpha < cSmallestAlpha) {
+        FailWith(fmt::format("--alpha: {} must be {} at least.", question.alpha, cSmallestAlpha));
     }
     if (arguments.power && !(*arguments.power > question.alpha && *arguments.power < 1)) {
         FailWith(

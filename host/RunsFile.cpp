@@ -118,6 +118,13 @@ float NumberIn(const Cell& cell) {
     return number;
 }
 
+// A value without an image would count as missing wherever the transform is applied.
+void RequireImage(const Cell& cell, const StudyFactor& factor, float value) {
+    if (factor.transform && factor.transform->TransformValue(&value) != NCTransformError::None) {
+        cell.Refuse("has no value under the factor's transform");
+    }
+}
+
 float SettingIn(const Cell& cell, const StudyFactor& factor) {
     const float number = NumberIn(cell);
     const std::vector<float>& settings = factor.settings;
@@ -195,6 +202,7 @@ std::vector<float> ReadRun(const CsvRecord& record,
             continue;
         }
         row.push_back(factor.type == CEType::Multilevel ? SettingIn(cell, factor) : NumberIn(cell));
+        RequireImage(cell, factor, row.back());
         if (factor.type == CEType::Formulation && study.factors.IsMixture()) {
             shares.push_back(row.back());
         }

@@ -35,12 +35,16 @@ void RunSelect(const SelectArguments& arguments, std::ostream& out, std::ostream
         MakeRunOrder(DecodeRuns(project.matrix, project.study.factors, project.form), project.seed);
     const std::string csv = ToCsv(MakeWorksheetTable(project.Runs(), project.study.factors, false));
     Interrupt::ThrowIfRequested();
-    SaveProject(project, *design, saved);
+    // The project last: a worksheet that cannot be written leaves it as it was.
     if (arguments.output.empty()) {
-        out << csv;
+        out << csv << std::flush;
+        if (!out) {
+            FailWith("The output cannot be written.");
+        }
     } else {
         QvFile::ReplaceAll(arguments.output, csv);
     }
+    SaveProject(project, *design, saved);
     (arguments.output.empty() ? err : out)
         << FormatOptimalResults(*design, project.study.factors, project.options);
     err << fmt::format("{}: {} runs, seed {}\n",

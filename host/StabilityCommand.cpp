@@ -103,6 +103,12 @@ void RunStability(const StabilityArguments& arguments, std::ostream& out, std::o
     if (!arguments.used.empty()) {
         options->SetUsedReduction(ParseUsed(arguments.used));
     }
+    if (options->GetUsedReduction().empty()) {
+        FailWith(fmt::format(
+            "{}: options.designSpecificOptions: usedDesigns: there is no design set; wanted is one "
+            "at least.",
+            study.file));
+    }
     const std::vector<float> times =
         ParseTimes(arguments.times, options->GetUsedReduction().size());
     ApplyRequest(arguments.search, *options);

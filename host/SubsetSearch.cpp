@@ -113,6 +113,13 @@ void CheckRequest(const SubsetSearchRequest& request, const Study& study, const 
                         study.file,
                         name));
     }
+    if (!study.constraints.IsEmpty()) {
+        throw NoValidDesign(
+            fmt::format("{}: constraints: {} holds all combinations of levels and keeps to no "
+                        "constraints.",
+                        study.file,
+                        name));
+    }
 }
 
 void ApplyStudyOptions(const Study& study, EDesign::Type type, StabilityBaseOptions& options) {

@@ -18,7 +18,8 @@ struct SubsetSearchRequest {
     std::string output;                // CSV file to write beside the table; may be empty
 };
 
-/// @throws NoValidDesign for factors that have to add up; Exception for a negative time limit or an
+/// @throws NoValidDesign for factors that have to add up and for constraints; Exception for a
+/// negative time limit or an
 ///         output that is the study itself
 void CheckRequest(const SubsetSearchRequest& request, const Study& study, const std::string& name);
 

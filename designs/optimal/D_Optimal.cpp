@@ -85,12 +85,20 @@ DesignStatistics::Terms TermsOf(const Factors& factors, const DesignOptions& opt
                              : DesignStatistics::Terms();
 }
 
+// Of the run counts that are searched.
+int MostRuns(const DesignOptions& options) {
+    const D_OptimalOptions* family = FamilyOptions(options);
+    const long long range = family != nullptr ? std::max(family->GetRunRange(), 0) : 0;
+    return static_cast<int>(
+        std::min<long long>(options.GetRuns() + range, std::numeric_limits<int>::max()));
+}
+
 }  // namespace
 
 D_Optimal::D_Optimal(const Factors& factors, const DesignOptions& options, bool* cancel)
     : NCDesign(factors) {
     ThrowIfCancelled(cancel);
-    RequireFinishedSize(static_cast<int>(std::min(options.GetRuns(), 0x7fffffffU)), options);
+    RequireFinishedSize(MostRuns(options), options);
     NCProgress progress(cProgressText, 0.0F, cFullProgress, false, false, true, "");
     DOptGen generator(&progress);
     const DOptFactorAdapter adapter(factors, options.GetBlocks());
@@ -152,7 +160,7 @@ void D_Optimal::SelectDesign(int index,
     if (index < 0 || index >= static_cast<int>(results_.size())) {
         throw InvalidOperationException("D_Optimal::SelectDesign");
     }
-    const Results& result = results_[static_cast<std::size_t>(index)];
+    Results& result = results_[static_cast<std::size_t>(index)];
     const int lastRow = result.rows.empty() ? 0 : *std::ranges::max_element(result.rows);
     NCProgress progress(cProgressText, 0.0F, cFullProgress, false, false, true, "");
     DOptGen generator(&progress);
@@ -160,7 +168,16 @@ void D_Optimal::SelectDesign(int index,
     DOpt::PickTable table =
         DOpt::MakePickTable(generator, adapter, options, layer, lastRow, nullptr);
     adapter.ReorderToOriginal(table.rows);
-    StoreDesign(MakeDesign(result, table.rows, options), options);
+    const Matrix design = MakeDesign(result, table.rows, options);
+    if (options.GetReplicatedRuns() > 0) {
+        // Which runs are repeated was drawn anew.
+        bool neverStopped = false;
+        StatisticsModel statistics(
+            factors, TermsOf(factors, options), static_cast<int>(options.GetBlocks()), &table.rows);
+        static_cast<DesignStatistics::Results&>(result) =
+            statistics.Calculate(design, neverStopped);
+    }
+    StoreDesign(design, options);
     inclusionRows_ = table.inclusions;
     selected_ = index;
 }

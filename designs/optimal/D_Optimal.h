@@ -48,7 +48,8 @@ class QORVA_EXPORT D_Optimal : public NCDesign, public CandidatePicks {
     /// @throws Exception "No design was found." without results
     [[nodiscard]] int GetBestDesignBy(EDesign::DOptimalSelectBy by) const;
     /// Makes the matrix of another result. Candidates are taken as at the search: the stored set or
-    /// newly generated.
+    /// newly generated. Replicated runs are drawn anew, and the figures of the result are those of
+    /// the matrix that is made.
     /// @param options those of the search
     /// @param layer of the stored candidate set, counted from 1; 0 or less for the whole set
     /// @throws InvalidOperationException for an index without a result; the design stays

@@ -139,7 +139,7 @@ int SlackFactor(const Factors& factors) {
             continue;
         }
         const std::vector<float> settings = factors.GetFactorSettings(factor);
-        const float range = settings.back() - settings.front();
+        const float range = settings.empty() ? 0 : settings.back() - settings.front();
         if (slack < 0 || range > largest) {
             slack = factor;
             largest = range;
@@ -324,7 +324,9 @@ EModel::Type D_OptimalBuilder::GetDefaultMixtureModel(const Factors& factors,
 
 bool D_OptimalBuilder::IsPMInteractionDefault(const Factors& factors,
                                               const DesignOptions& options) const {
-    if (!factors.IsProcessAndMixture()) {
+    // Blocks count as a process factor here.
+    const DOptFactorAdapter adapter(factors, options.GetBlocks());
+    if (!adapter.IsMixture() || adapter.IsMixtureOnly()) {
         return false;
     }
     switch (options.GetObjective()) {
@@ -361,7 +363,8 @@ std::vector<unsigned int> D_OptimalBuilder::GetLegalRuns(const Factors& factors,
         std::max<long long>(MinimumRuns(factors, options), cMinRunsOfBlock * blocks);
     const long long low = (least + blocks - 1) / blocks * blocks;
     const long long copies = static_cast<long long>(options.GetReplicates()) + 1;
-    const long long high = options.GetMaxRuns() / copies - options.GetCenterPoints();
+    const long long most = std::min<long long>(options.GetMaxRuns(), NCDesign::cMaxFinishedRuns);
+    const long long high = most / copies - options.GetCenterPoints();
     std::vector<unsigned int> legal;
     for (long long runs = low; runs <= high; runs += blocks) {
         legal.push_back(static_cast<unsigned int>(runs));

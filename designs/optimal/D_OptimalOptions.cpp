@@ -278,22 +278,24 @@ void D_OptimalOptions::FromJson(const json_value& value) {
     if (!value.is_object()) {
         return;
     }
-    // First, since it may fail.
+    // Read as a whole, so that the options stay when something in it fails.
+    D_OptimalOptions read = *this;
     CandidateSet candidates;
     if (value.has_child(cJsonCandidates)) {
         candidates.FromJson(value.get_child(cJsonCandidates));
     }
-    SetCandidateSet(candidates);
+    read.SetCandidateSet(candidates);
     const D_OptimalOptions defaults;
-    mixtureModel_ = value.has_child(cJsonMixtureModel)
-                        ? EModel::FromJson(value.get_child(cJsonMixtureModel))
-                        : defaults.mixtureModel_;
-    pmInteraction_ = BoolFromJson(value, cJsonPmInteraction, defaults.pmInteraction_);
-    balanceOnFactor_ = IntFromJson(value, cJsonBalance, defaults.balanceOnFactor_);
-    onlyAllowBalanced_ = BoolFromJson(value, cJsonOnlyBalanced, defaults.onlyAllowBalanced_);
-    useInclusion_ = BoolFromJson(value, cJsonUseInclusion, defaults.useInclusion_);
-    usePotentialTerms_ = BoolFromJson(value, cJsonPotentialTerms, defaults.usePotentialTerms_);
-    newCandidateSet_ = BoolFromJson(value, cJsonNewCandidates, defaults.newCandidateSet_);
-    repetitions_ = IntFromJson(value, cJsonRepetitions, defaults.repetitions_);
-    runRange_ = IntFromJson(value, cJsonRunRange, defaults.runRange_);
+    read.mixtureModel_ = value.has_child(cJsonMixtureModel)
+                             ? EModel::FromJson(value.get_child(cJsonMixtureModel))
+                             : defaults.mixtureModel_;
+    read.pmInteraction_ = BoolFromJson(value, cJsonPmInteraction, defaults.pmInteraction_);
+    read.balanceOnFactor_ = IntFromJson(value, cJsonBalance, defaults.balanceOnFactor_);
+    read.onlyAllowBalanced_ = BoolFromJson(value, cJsonOnlyBalanced, defaults.onlyAllowBalanced_);
+    read.useInclusion_ = BoolFromJson(value, cJsonUseInclusion, defaults.useInclusion_);
+    read.usePotentialTerms_ = BoolFromJson(value, cJsonPotentialTerms, defaults.usePotentialTerms_);
+    read.newCandidateSet_ = BoolFromJson(value, cJsonNewCandidates, defaults.newCandidateSet_);
+    read.repetitions_ = IntFromJson(value, cJsonRepetitions, defaults.repetitions_);
+    read.runRange_ = IntFromJson(value, cJsonRunRange, defaults.runRange_);
+    *this = std::move(read);
 }

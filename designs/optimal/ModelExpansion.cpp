@@ -64,8 +64,11 @@ bool ModelExpansion::IsMixtureFactor(int factor) const {
 }
 
 void ModelExpansion::AddModelTerms(const ModelTerms::List& terms) {
+    const auto count = static_cast<int>(factors_.GetDesignFactorCount());
     for (const ModelTerms::Term& term : terms) {
-        if (term.size() == cSquare || term.size() == cCube) {
+        const bool isOfFactors = std::ranges::all_of(
+            term, [count](int factor) { return factor >= 0 && factor < count; });
+        if (isOfFactors && (term.size() == cSquare || term.size() == cCube)) {
             Product factors{};
             std::ranges::transform(
                 term, factors.begin(), [this](int i) { return factors_.FactorPosition(i); });

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <span>
+#include <utility>
 
 #include "designs/optimal/GenerateCandidateset.h"
 #include "designs/optimal/OnionDesign.h"
@@ -11,6 +13,7 @@
 #include "foundation/utl/Exceptions.h"
 #include "frame/DesignOptions.h"
 #include "frame/FamilyRules.h"
+#include "frame/NCDesign.h"
 
 namespace {
 
@@ -63,6 +66,12 @@ bool Keeps(std::span<const float> run, const NCDOE::Constraint& constraint) {
     return excess <= cDigitsKept * size;
 }
 
+// The nearest int.
+int ToInt(long long number) {
+    return static_cast<int>(std::clamp<long long>(
+        number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
 // Runs that each layer may have for every term, over all layers. The centroid is not counted.
 long long LayersServed(unsigned long long candidates, int terms) {
     const auto others = static_cast<long long>(candidates) - 1;
@@ -94,7 +103,13 @@ std::unique_ptr<NCDesign> OnionBuilder::Build(const Factors& factors,
     }
     DesignOptions searched = options;
     if (FamilyOptions(options) == nullptr) {
-        searched.SetDesignSpecificOptions(GetDefaultDesignSpecificOptions(factors, options));
+        auto family = GetDefaultDesignSpecificOptions(factors, options);
+        // What the options of another family say of the region and its candidates holds here, too.
+        if (const DesignSpecificOptions* given = options.GetDesignSpecificOptions()) {
+            family->SetConstraints(given->GetConstraints(), factors);
+            family->SetCandidateSet(given->GetCandidateSet());
+        }
+        searched.SetDesignSpecificOptions(std::move(family));
     }
     return std::make_unique<OnionDesign>(factors, searched, cancel);
 }
@@ -188,7 +203,7 @@ int OnionBuilder::GetMaximumRunsPerLayer(const DesignOptions& options, int terms
     if (candidates == 1 || layer > layers) {
         return cMaxRuns;
     }
-    const int most = terms + cSpareRunsOfLayer;
+    const int most = ToInt(static_cast<long long>(terms) + cSpareRunsOfLayer);
     if (candidates == 0) {
         return most;  // nothing is known of the candidates
     }
@@ -200,11 +215,11 @@ int OnionBuilder::GetMaximumRunsPerLayer(const DesignOptions& options, int terms
 }
 
 int OnionBuilder::GetRecommendedRunsPerLayer(unsigned int terms, bool first) const {
-    return static_cast<int>(terms) + (first ? 1 : 3);
+    return ToInt(static_cast<long long>(terms) + (first ? 1 : 3));
 }
 
 int OnionBuilder::GetMinimumRunsPerLayer(int terms) const {
-    return terms + 1;
+    return ToInt(static_cast<long long>(terms) + 1);
 }
 
 int OnionBuilder::GetDefaultLayers(const DesignOptions& options, int factorCount) {
@@ -218,14 +233,15 @@ int OnionBuilder::GetDefaultLayers(const DesignOptions& options, int factorCount
 }
 
 int OnionBuilder::GetDefaultNoModelTerms(EModel::Type model, int factorCount) {
-    const int pairs = factorCount * (factorCount - 1) / 2;
+    const long long factors = factorCount;
+    const long long pairs = factors * (factors - 1) / 2;
     switch (model) {
         case EModel::Linear:
-            return factorCount + 1;
+            return ToInt(factors + 1);
         case EModel::Interaction:
-            return 1 + pairs + factorCount;
+            return ToInt(1 + pairs + factors);
         case EModel::Quadratic:
-            return factorCount + 1 + pairs + factorCount;
+            return ToInt(factors + 1 + pairs + factors);
         default:
             return 0;
     }
@@ -239,8 +255,14 @@ NCDataMatrix<float> OnionBuilder::GenerateCandidateset(int layer,
         return {};
     }
     // Layers count from 0 here, as nowhere else.
-    const DesignOptions ofLayer =
-        OnionLayers::MakeModelOptions(family->GetLayer(layer + 1), factors, options);
+    const LayerOption& layerOption = family->GetLayer(layer + 1);
+    // Candidates are repeated until there are as many as runs.
+    if (layerOption.Runs > NCDesign::cMaxFinishedRuns) {
+        throw Exception(
+            ExceptionMessage::translate("Layer {1} has {2} runs. It may have at most {3} runs.")
+            << layer + 1 << layerOption.Runs << NCDesign::cMaxFinishedRuns);
+    }
+    const DesignOptions ofLayer = OnionLayers::MakeModelOptions(layerOption, factors, options);
     return DOpt::GenerateCandidateset(nullptr, factors, ofLayer, true, nullptr, nullptr, 0);
 }
 

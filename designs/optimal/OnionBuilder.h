@@ -13,11 +13,14 @@
 /// factors.
 ///
 /// With constraints, the acceptable candidates of the options' set tell how many layers and runs
-/// there can be. One of them is the overall centroid, which belongs to every layer.
+/// there can be. One of them is taken to be the overall centroid, the last row of the set, which is
+/// given to the last layer only.
 class QORVA_EXPORT OnionBuilder : public DesignBuilder {
   public:
     using DesignBuilder::DesignBuilder;
 
+    /// Options of another family, or none, get the default layers; their constraints and candidate
+    /// set are kept.
     /// @throws Exception when the search of a layer fails
     [[nodiscard]] std::unique_ptr<NCDesign> Build(const Factors& factors,
                                                   const DesignOptions& options,
@@ -55,14 +58,14 @@ class QORVA_EXPORT OnionBuilder : public DesignBuilder {
     /// As many layers as the candidates serve, at most 3; 0 where they are too few.
     [[nodiscard]] static int GetDefaultLayers(const DesignOptions& options, int factorCount);
     /// Terms of the full model of quantitative factors, the constant among them; 0 for models that
-    /// no layer has.
+    /// no layer has. A number beyond an int is cut there.
     [[nodiscard]] static int GetDefaultNoModelTerms(EModel::Type model, int factorCount);
     /// The candidates that one layer's search generates where the options hold no candidate set
     /// [candidates x factors], in real units.
     /// @param layer counted from 0
     /// @return without rows when the options are not those of the family
     /// @throws InvalidOperationException for a layer that does not exist; Exception without
-    ///         candidates
+    ///         candidates, and for a layer of more than 1,000,000 runs
     [[nodiscard]] static NCDataMatrix<float> GenerateCandidateset(int layer,
                                                                   const DesignOptions& options,
                                                                   const Factors& factors);

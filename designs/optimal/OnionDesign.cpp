@@ -1,5 +1,7 @@
 #include "designs/optimal/OnionDesign.h"
 
+#include <utility>
+
 #include "designs/optimal/OnionLayerSearch.h"
 #include "designs/optimal/OnionOptions.h"
 #include "foundation/utl/ConfigurationSection.h"
@@ -64,6 +66,7 @@ void OnionDesign::SelectDesign(int layer, int index, const DesignOptions& option
 }
 
 void OnionDesign::UpdateDesignMatrix(const DesignOptions& options) {
+    RequireFamilyOptions(options);
     int layer = 0;
     for (const auto& design : layers_) {
         ++layer;
@@ -82,6 +85,11 @@ void OnionDesign::Stack(const DesignOptions& options) {
     for (const auto& design : layers_) {
         stack.ConcatRows(*design->GetDesignMatrix());
     }
+    // Centre points and replicated runs are in the layers already.
+    DesignOptions copies;
+    copies.SetCenterPoints(0);
+    copies.SetReplicates(options.GetReplicates());
+    RequireFinishedSize(stack.SizeRows(), copies);
     SetDesignMatrix(stack);
     AddReplicates(options.GetReplicates());
 }
@@ -124,6 +132,8 @@ bool OnionDesign::Load(const ConfigurationSection* section) {
             std::make_shared<D_Optimal>(GetFactors(), *own->OpenSection(cLayerSection, index)));
     }
     layers_ = std::move(layers);
+    // An earlier matrix is not that of these layers.
+    ClearDesignMatrix();
     return true;
 }
 

@@ -12,7 +12,8 @@
 ///
 /// Each layer keeps its search's results, those of two runs more and fewer among them, and shows
 /// the one of the best G-efficiency. Centre points and replicated runs stand in the last layer. The
-/// matrix is in real units [runs x factors].
+/// matrix is in real units [runs x factors]; blocks, which apply where the options hold no
+/// candidate set, add their coding columns.
 class QORVA_EXPORT OnionDesign : public NCDesign, public CandidatePicks {
   public:
     using Layers = std::vector<std::shared_ptr<D_Optimal>>;
@@ -42,6 +43,9 @@ class QORVA_EXPORT OnionDesign : public NCDesign, public CandidatePicks {
     /// Stacks the layers' current matrices and copies the stack as often as the options tell. A
     /// layer without a matrix, as after Load, gets that of its selected result first.
     /// @param options those of the search
+    /// @throws InvalidOperationException for options without OnionOptions; Exception when the
+    /// copies
+    ///         would have more than cMaxFinishedRuns runs. The matrix stays.
     void UpdateDesignMatrix(const DesignOptions& options);
     /// Forgets all results of the layers but the selected ones.
     void RemoveGeneratedDesigns();
@@ -50,7 +54,8 @@ class QORVA_EXPORT OnionDesign : public NCDesign, public CandidatePicks {
     [[nodiscard]] bool IsDesignMatrixCoded() const override { return false; }
     /// Writes each layer to "LayerDOptimal" in "OnionDesign" in the child section "Design".
     void Save(ConfigurationSection* section) const override;
-    /// False, with nothing changed, when one of the two sections is missing.
+    /// False, with nothing changed, when one of the two sections is missing. An earlier matrix
+    /// goes.
     bool Load(const ConfigurationSection* section) override;
 
     [[nodiscard]] bool IsLayered() const override { return true; }

@@ -193,7 +193,7 @@ bool OnionOptions::Load(const ConfigurationSection* section) {
     if (!layers) {
         return false;
     }
-    CandidateSet candidates = GetCandidateSet();
+    CandidateSet candidates;  // a missing one is empty
     candidates.Load(base.get());
     SetCandidateSet(candidates);
     layers_.clear();

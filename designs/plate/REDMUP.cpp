@@ -30,22 +30,35 @@ const REDMUPOptions* PlateOptionsOf(const DesignOptions& options) {
     return dynamic_cast<const REDMUPOptions*>(options.GetDesignSpecificOptions());
 }
 
+// A family that is asked for other runs than it has may leave cells without a setting.
+bool IsComplete(const Table& runs) {
+    for (int run = 1; run <= runs.SizeRows(); ++run) {
+        const auto cells = runs.RowSpan(run);
+        if (std::find(cells.begin(), cells.end(), Table::cMissing) != cells.end()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // The runs along one side of the plate, in the order of their positions [size x group factors].
 // @throws Exception with `failure` unless the design fills the side and the run order names rows
-//         that it has: wells would be left out, or filled from nowhere
+//         that it has: wells would be left out, or filled from nowhere. Blocks are refused, too:
+//         their letters would stand in a factor's column.
 Table RunsAlongSide(const SubDesign& design,
                     const Factors& view,
                     unsigned long long size,
                     const char* failure) {
     const auto builder = AllDesigns::GetDesignBuilder(design.designType, design.designData);
-    const auto built = builder && design.options ? builder->Build(view, *design.options) : nullptr;
+    const bool isReady = builder && design.options && design.options->GetBlocks() <= 1;
+    const auto built = isReady ? builder->Build(view, *design.options) : nullptr;
     const auto runs = built ? built->GetDesignMatrix() : nullptr;
     const auto hasRow = [&](unsigned int row) {
         return row >= 1 && row <= static_cast<unsigned int>(runs->SizeRows());
     };
     if (!runs || static_cast<unsigned long long>(runs->SizeRows()) != size ||
         runs->SizeColumns() != static_cast<int>(design.factors.size()) ||
-        !built->IsDesignMatrixCoded() || design.runOrder.size() != size ||
+        !built->IsDesignMatrixCoded() || !IsComplete(*runs) || design.runOrder.size() != size ||
         !std::all_of(design.runOrder.begin(), design.runOrder.end(), hasRow)) {
         Fail(failure);
     }
@@ -247,7 +260,8 @@ bool REDMUPBuilder::IsValid(const Factors& factors, const DesignOptions& options
         return IsGroupServed(plates->GetVerticalDesign(), factors, plates->GetVerticalSize()) &&
                IsGroupServed(plates->GetHorizontalDesign(), factors, plates->GetHorizontalSize());
     } catch (const Exception&) {
-        return false;  // a group with factors that do not exist
+        // A group names a factor twice or one that does not exist, or a family cannot judge it.
+        return false;
     }
 }
 

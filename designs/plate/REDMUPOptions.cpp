@@ -120,9 +120,13 @@ void REDMUPOptions::SetPlateSize(EPlateSize size, const Factors& factors, bool s
     }
     const Division division =
         horizontal_.factors.empty() ? Divide(factors) : Division();  // empty: the groups stay
-    // Groups that do not fit the factors throw here, before anything is changed.
-    static_cast<void>(horizontal_.GetREDMUPFactors(factors));
-    static_cast<void>(vertical_.GetREDMUPFactors(factors));
+    // Groups that stay and do not fit the factors throw here, before anything is changed.
+    if (division.horizontal.empty()) {
+        static_cast<void>(horizontal_.GetREDMUPFactors(factors));
+    }
+    if (division.vertical.empty()) {
+        static_cast<void>(vertical_.GetREDMUPFactors(factors));
+    }
     plateSize_ = size;
     horizontal_.Setup(GetHorizontalSize(), factors, division.horizontal);
     vertical_.Setup(GetVerticalSize(), factors, division.vertical);

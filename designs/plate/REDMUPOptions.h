@@ -52,8 +52,8 @@ class QORVA_EXPORT REDMUPOptions final : public DesignSpecificOptions {
                    const Factors& all,
                    const std::vector<unsigned long long>& group);
         /// Sets a design of one's own, filled up with centre points. False, with nothing changed,
-        /// when there is no such design, it cannot have as many runs as there are positions, or it
-        /// is not valid. Deliberate: so is any number of replicates above 0.
+        /// when there is none, it cannot have as many runs as there are positions, it is not valid
+        /// or, deliberately, has replicates. True does not promise that it can be built.
         /// @throws Exception as REDMUPFactors, with nothing changed
         bool SetDesign(const Factors& all,
                        const std::vector<unsigned long long>& group,

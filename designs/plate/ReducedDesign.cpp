@@ -56,6 +56,10 @@ ReducedDesignClass::ReducedDesignClass(const Factors& factors,
     } else {
         RepeatRows(matrix, list);
     }
+    // Of another table than the row's, the list names other runs.
+    if (matrix.SizeRows() != static_cast<int>(row.GetRuns())) {
+        return;
+    }
     RequireFinishedSize(matrix.SizeRows(), options);
     SetDesignMatrix(matrix);
     if (options.GetCenterPoints() > baseCenters) {

@@ -15,7 +15,7 @@ class ReducedDesign;
 class QORVA_EXPORT ReducedDesignClass : public NCDesign {
   public:
     /// Builds the whole design; the options must be valid for the factors. The matrix stays empty
-    /// when the options' runs make a classical design that lacks a listed run.
+    /// when the options' runs make another classical design than the row list is for.
     /// @throws Exception when the finished design would have more than cMaxFinishedRuns runs
     ReducedDesignClass(const Factors& factors,
                        const DesignOptions& options,
@@ -64,6 +64,8 @@ class QORVA_EXPORT ReducedDesign : public CustomREDMUPDesign {
 
     /// The classical builder, asked for at every call; empty when there is none.
     [[nodiscard]] std::shared_ptr<const DesignBuilder> GetBaseBuilder() const;
+    /// Of the finished row, without further centre points and copies.
+    [[nodiscard]] unsigned int GetRuns() const { return runs_; }
     [[nodiscard]] bool IsReduced() const { return reduced_; }
     [[nodiscard]] const std::vector<int>& GetRowList() const { return rowList_; }
     /// Run count or run limit of the classical design behind one of this row. Away from 0 it stops

@@ -35,12 +35,13 @@ Column CyclicColumn(int runs, int levels) {
 class ColumnMaker {
   public:
     ColumnMaker(int runs, std::span<const int> levels, int maxSwaps, ColumnSearch& search)
-        : runs_(runs),
-          levels_(levels),
-          maxSwaps_(maxSwaps),
-          search_(search),
-          table_(runs),
-          swaps_(runs, static_cast<int>(levels.size())) {}
+        : runs_(runs), levels_(levels), maxSwaps_(maxSwaps), search_(search) {
+        // Two columns need no table of all pairs of runs.
+        if (levels.size() > 2) {
+            table_.emplace(runs);
+            swaps_.emplace(runs, static_cast<int>(levels.size()));
+        }
+    }
 
     std::vector<Column> Make() {
         columns_.reserve(levels_.size());
@@ -61,7 +62,9 @@ class ColumnMaker {
   private:
     void AddTold(Column column) {
         balanced_ = balanced_ && runs_ % levels_[columns_.size()] == 0;
-        table_.Add(column);
+        if (table_) {
+            table_->Add(column);
+        }
         columns_.push_back(std::move(column));
     }
 
@@ -75,16 +78,16 @@ class ColumnMaker {
             // swaps do not reach it goes on for as long as a swap gains.
             target = LowestJ2(runs_, levels_.first(columns_.size()));
         }
-        swaps_.Start(table_, column, levels);
+        swaps_->Start(*table_, column, levels);
         const std::optional<RowSwap> uncounted = Improve(target);
-        columns_.push_back(swaps_.Column());
+        columns_.push_back(swaps_->Column());
         column = columns_.back();
         if (uncounted) {
             // Deliberate: the last swap of a full count is in the design but not in the table.
             std::swap(column[static_cast<std::size_t>(uncounted->first)],
                       column[static_cast<std::size_t>(uncounted->second)]);
         }
-        table_.Add(column);
+        table_->Add(column);
     }
 
     // The last swap, if the count of swaps ended the search.
@@ -92,14 +95,14 @@ class ColumnMaker {
         std::optional<RowSwap> best;
         for (int swap = 0; swap < maxSwaps_; ++swap) {
             search_.AfterSwaps(swap);
-            if (target && static_cast<double>(swaps_.J2()) == *target) {
+            if (target && static_cast<double>(swaps_->J2()) == *target) {
                 return std::nullopt;
             }
-            best = swaps_.FindBest([this] { search_.Poll(); });
+            best = swaps_->FindBest([this] { search_.Poll(); });
             if (!best) {
                 return std::nullopt;
             }
-            swaps_.Apply(*best);
+            swaps_->Apply(*best);
         }
         return best;
     }
@@ -108,8 +111,8 @@ class ColumnMaker {
     std::span<const int> levels_;
     int maxSwaps_;
     ColumnSearch& search_;
-    PairCoincidences table_;
-    ColumnSwaps swaps_;
+    std::optional<PairCoincidences> table_;  // of three columns or more
+    std::optional<ColumnSwaps> swaps_;
     std::vector<Column> columns_;
     bool balanced_ = true;
 };

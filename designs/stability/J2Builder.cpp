@@ -6,6 +6,7 @@
 #include "designs/optimal/TermCounts.h"
 #include "designs/stability/J2Design.h"
 #include "designs/stability/J2Options.h"
+#include "designs/stability/J2Terms.h"
 #include "frame/DesignOptions.h"
 #include "frame/FamilyRules.h"
 
@@ -79,6 +80,7 @@ unsigned int WidthOfFactor(const Factors& factors, int factor, unsigned int bloc
 unsigned int RunsForTerms(const Factors& factors,
                           const D_OptimalOptions::Model& terms,
                           unsigned int blocks) {
+    J2Terms::RequireFactors(terms, FactorCount(factors));
     unsigned int runs = 1;
     for (const std::vector<int>& term : terms) {
         unsigned int columns = 1;

@@ -48,6 +48,7 @@ class QORVA_EXPORT J2Builder : public DesignBuilder {
     [[nodiscard]] virtual unsigned int GetRecommendedReplicatedRuns() const;
 
     /// The fewest runs for the options' model.
+    /// @throws InvalidOperationException for a term of a factor that does not exist
     [[nodiscard]] unsigned int MinimumRuns(const Factors& factors,
                                            const DesignOptions& options) const;
 

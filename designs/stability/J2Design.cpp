@@ -12,6 +12,7 @@
 #include "designs/optimal/GenerateCandidateset.h"
 #include "designs/stability/BalancedColumns.h"
 #include "designs/stability/J2Options.h"
+#include "designs/stability/J2Terms.h"
 #include "evaluation/StatisticsModel.h"
 #include "foundation/util/NCInternalError.h"
 #include "foundation/util/NCProgress.h"
@@ -66,12 +67,40 @@ void RequireLevels(int levels, int least) {
     }
 }
 
+// Levels of a column. Those of the options are looked at where a factor takes them.
+int LevelsOf(const Factors& factors, int factor, int defaultLevels) {
+    if (HasLevels(factors, factor)) {
+        const auto levels = static_cast<int>(factors.GetLevelCount(factor));
+        RequireLevels(levels, 1);
+        return levels;
+    }
+    RequireLevels(defaultLevels, 2);
+    if (defaultLevels > J2Options::cMaxLevels) {
+        throw Exception(
+            ExceptionMessage::translate("A continuous factor of a reduced combinatorial "
+                                        "design has at most {1} levels, not {2}.")
+            << J2Options::cMaxLevels << defaultLevels);
+    }
+    return defaultLevels;
+}
+
+// Asked of the largest run count before the first search, so that no result is lost.
+void RequireSearchable(long long runs) {
+    if (runs > J2Design::cMaxRuns) {
+        throw Exception(
+            ExceptionMessage::translate("The search for a reduced combinatorial design would reach "
+                                        "{1} runs. It may have at most {2} runs.")
+            << runs << J2Design::cMaxRuns);
+    }
+}
+
 // The model without a term of the block, which these designs do not have.
 D_OptimalOptions::Model TermsOf(EDesign::Type type,
                                 const Factors& factors,
                                 const DesignOptions& options) {
     D_OptimalOptions::Model terms = FamilyOptions(options).GetModel(type, factors, options);
     const int count = static_cast<int>(factors.GetDesignFactorCount());
+    J2Terms::RequireFactors(terms, count);
     std::erase_if(terms, [count](const std::vector<int>& term) {
         return std::ranges::any_of(term, [count](int factor) { return factor >= count; });
     });
@@ -178,7 +207,12 @@ J2Design::J2Design(EDesign::Type type,
     ThrowIfStopped(stop);
     const D_OptimalOptions& family = FamilyOptions(options);
     const long long runs = options.GetRuns();
-    const long long range = std::max(family.GetRunRange(), 0);
+    const long long range = family.GetRunRange();
+    if (range < 0) {
+        ThrowNoDesign();  // there is no run count to search
+    }
+    RequireSearchable(runs + range);
+    RequireFinishedSize(static_cast<int>(runs + range), OptionsFor(options, runs + range));
     NCProgress progress("",
                         0.0F,
                         static_cast<float>(2 * range + 1) *
@@ -247,7 +281,6 @@ bool J2Design::GenerateRunCount(const Factors& factors,
                                 Judge& judge,
                                 NCProgress& progress,
                                 bool* stop) {
-    RequireFinishedSize(static_cast<int>(std::min(options.GetRuns(), 0x7fffffffU)), options);
     const int repetitions = FamilyOptions(options).GetRepetitions();
     for (int repetition = 0; repetition < repetitions; ++repetition) {
         ThrowIfStopped(stop);
@@ -272,7 +305,6 @@ NCDataMatrix<float> J2Design::GenerateDesign(const Factors& factors,
     if (const auto* own = dynamic_cast<const J2Options*>(options.GetDesignSpecificOptions())) {
         defaultLevels = own->GetLevels();
     }
-    RequireLevels(defaultLevels, 2);
     std::vector<int> levels;
     std::vector<int> factorOrder;
     CalculateLevels(factors, options, levels, factorOrder, defaultLevels);
@@ -307,16 +339,12 @@ void J2Design::CalculateLevels(const Factors& factors,
     for (const std::vector<int>& term : TermsOf(designType_, factors, options)) {
         if (term.size() == 1) {
             const int factor = term.front();
-            sorted.emplace(HasLevels(factors, factor)
-                               ? static_cast<int>(factors.GetLevelCount(factor))
-                               : defaultLevels,
-                           factor);
+            sorted.emplace(LevelsOf(factors, factor, defaultLevels), factor);
         }
     }
     levels.reserve(sorted.size());
     factorOrder.reserve(sorted.size());
     for (const auto& [count, factor] : sorted) {
-        RequireLevels(count, 1);
         levels.push_back(count);
         factorOrder.push_back(factor);
     }

@@ -34,18 +34,26 @@ class QORVA_EXPORT J2Design : public NCDesign {
 
     /// Most swaps within one column.
     static constexpr int miMaxIter = 1000;
+    /// Most runs of one search, repeated ones not counted: its tables grow with their square.
+    static constexpr int cMaxRuns = 10'000;
 
     /// Generates. The selected result is the best by the options' figure.
     /// @param options hold J2Options or other D_OptimalOptions
     /// @param stop read at each column and each swap; null allowed. A stop, by it or in the
     ///        progress, ends the search; the designs found before stay.
-    /// @throws Exception "No design was found." without a design; CancelException for a stop on
-    ///         entry; NCInternalError "J2Design" for options of another family;
-    ///         InvalidOperationException for a model that leaves a level factor without a column
+    /// @throws Exception "No design was found." without a design, as for a negative run range;
+    ///         Exception when the run range reaches above cMaxRuns runs, and for levels outside
+    ///         their range; CancelException for a stop on entry; NCInternalError "J2Design" for
+    ///         options of another family; InvalidOperationException for a model that leaves a level
+    ///         factor without a column or names a factor that does not exist
     J2Design(EDesign::Type type, const Factors& factors, const DesignOptions& options, bool* stop);
     /// As Load, on a design without results.
     J2Design(const Factors& factors, const ConfigurationSection& section);
     J2Design(const J2Design&) = default;
+    J2Design(J2Design&&) = default;
+    J2Design& operator=(const J2Design&) = delete;
+    J2Design& operator=(J2Design&&) = delete;
+    ~J2Design() override = default;
 
     /// Index of the best result by a figure, the first on ties, and 0 for a figure that the results
     /// do not have. A condition number or I-value that could not be told beats one above 99.
@@ -66,7 +74,8 @@ class QORVA_EXPORT J2Design : public NCDesign {
     /// Writes results, counts and selection to "J2Design" in the child section "Design". The runs
     /// of the results are not stored.
     void Save(ConfigurationSection* section) const override;
-    /// False, with nothing changed, when one of the two sections is missing.
+    /// False, with nothing changed, when one of the two sections is missing. Of an earlier content
+    /// nothing stays, and there is no matrix.
     bool Load(const ConfigurationSection* section) override;
 
   private:

@@ -54,6 +54,9 @@ bool J2Design::Load(const ConfigurationSection* section) {
         return false;
     }
     results_.clear();
+    numData_ = DOpt::NumData();
+    selected_ = 0;
+    ClearDesignMatrix();
     const int count = own->SectionCount(cResultSection);
     results_.reserve(static_cast<std::size_t>(count));
     for (int index = 1; index <= count; ++index) {

@@ -9,12 +9,14 @@
 class QORVA_EXPORT J2Options : public D_OptimalOptions {
   public:
     static constexpr int cDefaultLevels = 2;
+    static constexpr int cMaxLevels = 255;
 
     J2Options() = default;
     /// The defaults of a family for its factors.
     J2Options(const DesignBuilder& builder, const Factors& factors, const DesignOptions& options);
 
-    /// Coded levels, evenly spaced from -1 to 1, of every factor without levels of its own.
+    /// Coded levels, evenly spaced from -1 to 1, of every factor without levels of its own:
+    /// 2 to cMaxLevels. The search refuses others where there is such a factor.
     [[nodiscard]] int GetLevels() const { return levels_; }
     void SetLevels(int levels) { levels_ = levels; }
 

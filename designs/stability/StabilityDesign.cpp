@@ -85,12 +85,13 @@ StabilityDesign::UsedDesigns UsedDesignsOf(const DesignOptions& options) {
     throw Exception(ExceptionMessage::translate("Options are missing."));
 }
 
-void RequireRuns(double runs) {
-    if (runs > static_cast<double>(NCDesign::cMaxFinishedRuns)) {
+// Allows `slack` times the most finished runs.
+void RequireRuns(double runs, double slack = 1) {
+    if (runs > slack * static_cast<double>(NCDesign::cMaxFinishedRuns)) {
         throw Exception(ExceptionMessage::translate(
                             "The design sets would have {1} runs. They may have at most {2} runs "
                             "in all.")
-                        << runs << NCDesign::cMaxFinishedRuns);
+                        << std::floor(runs) << NCDesign::cMaxFinishedRuns);
     }
 }
 
@@ -105,7 +106,8 @@ void RequireRuns(const StabilityDesign::UsedDesigns& used, const Factors& factor
         runs += all / pair.first;
     }
     // Sizes of the parts differ a little.
-    RequireRuns(std::floor(runs / 2));
+    constexpr double cSlack = 2;
+    RequireRuns(runs, cSlack);
 }
 
 LevelMatrix ToLevels(const NCDataMatrix<float>& subset) {
@@ -306,11 +308,12 @@ void StabilityDesign::SpecifyUsedDesigns(const UsedDesigns& used) {
 }
 
 StabilityDesign::UsedDesigns StabilityDesign::GetUniqueUsedDesignsets() const {
+    const std::set<std::pair<int, int>> used(used_.begin(), used_.end());
     UsedDesigns unique;
     for (const auto& [reduction, subsets] : designs_) {
         for (int index = 1; index <= static_cast<int>(subsets.size()); ++index) {
             const std::pair pair(reduction, index);
-            if (std::find(used_.begin(), used_.end(), pair) != used_.end()) {
+            if (used.contains(pair)) {
                 unique.push_back(pair);
             }
         }

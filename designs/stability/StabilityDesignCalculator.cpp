@@ -301,6 +301,9 @@ std::vector<LevelMatrix> StabilityDesignCalculator::Implementation::MakeSubsets(
 
 std::vector<std::vector<int>> StabilityDesignCalculator::Implementation::CountDistances(
     const std::vector<LevelMatrix>& subsets) const {
+    if (!kept) {
+        return {};
+    }
     if (SubsetDistances::IsSplitFaster(*groups)) {
         return SubsetDistances::CountInSplit(*kept, checkBreak);
     }

@@ -418,4 +418,10 @@ TEST(DesignPower, CopiesKeepTheirOwnAfterASecondSetup) {
     EXPECT_GT(statistics.CalculatePower(0, 2, 1, 0.95), before);
 }
 
+TEST(DesignPower, IsNotToldBeforeItIsSetUp) {
+    const DesignStatistics statistics;
+    EXPECT_THROW(static_cast<void>(statistics.CalculatePower(0, 1, 1, 0.95)),
+                 InvalidOperationException);
+}
+
 }  // namespace

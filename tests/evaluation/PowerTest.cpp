@@ -463,4 +463,29 @@ TEST(Power, MasksNameTheirTypes) {
     EXPECT_EQ(Power::siMixtureFactor, 60);
 }
 
+TEST(Power, OfAnEffectBeyondTheSeriesIsOne) {
+    const Power power(TwoLevels(3), MainEffects(3), {}, {});
+    for (const double effect : {3e4, 1e5, 1e6, 1e12, 1e150}) {
+        EXPECT_EQ(power.GetPower(1, effect, 1, cConfidence), 1) << "effect " << effect;
+    }
+}
+
+// With one residual degree of freedom the small power of a strict test grows with the effect.
+TEST(Power, GoesOnBeyondTheSeries) {
+    constexpr double cStrict = 1 - 1e-9;
+    const Power power(TwoLevels(2), MainEffects(2), {}, {});
+    const double within = power.GetPower(1, 3.1e4, 1, cStrict);
+    EXPECT_NEAR(power.GetPower(1, 3.2e4, 1, cStrict) / within, 3.2 / 3.1, 1e-4) << within;
+    EXPECT_NEAR(power.GetPower(1, 3.1e6, 1, cStrict) / within, 100, 0.1) << within;
+}
+
+TEST(Power, RefusesLevelsThatNoIntHolds) {
+    constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
+    for (const float level : {cNaN, 3e9F, -3e9F, 1e38F, -1e38F}) {
+        EXPECT_THAT(FailureOf({{0, 1}, {1, 1}, {level, 1}, {1, 1}}, {{0}}, {0}),
+                    ::testing::HasSubstr("must be coded"))
+            << level;
+    }
+}
+
 }  // namespace

@@ -318,6 +318,15 @@ TEST(AddReplicates, RepeatsTheWholeDesignInSequence) {
     EXPECT_EQ(design.Matrix(), (Table{{1}, {2}, {1}, {2}, {1}, {2}}));
 }
 
+TEST(AddReplicates, MoreRunsThanADesignMayHaveAreRefusedAndChangeNothing) {
+    const TestFactors factors = TestFactors().Quantitatives(1);
+    OpenDesign design(factors, {{1}, {2}});
+    for (const unsigned count : {500'000U, 2'147'483'647U, 4'294'967'295U}) {
+        EXPECT_THROW(design.AddReplicates(count), Exception) << count;
+        EXPECT_EQ(design.Matrix(), (Table{{1}, {2}})) << count;
+    }
+}
+
 TEST(AddReplicates, NoneChangeNothing) {
     const TestFactors factors = TestFactors().Quantitatives(1);
     OpenDesign design(factors, {{1}, {2}});

@@ -13,6 +13,7 @@
 #include "host/DesignMaker.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
+#include "host/JudgedDesign.h"
 #include "host/Project.h"
 #include "host/SelectCommand.h"
 #include "host/StudyFile.h"
@@ -117,6 +118,25 @@ TEST(Combinatorial, TableTellsJ2) {
     request.optimal.repetitions = 1;
     const BuiltDesign built = MakeDesign(study, request);
     EXPECT_THAT(FormatCombinatorialResults(DesignOf(built), study.factors, built.options),
+                testing::ContainsRegex(R"(\* +1 +7 +3 +5 )"));
+}
+
+TEST(Combinatorial, FactorsWithoutAColumnDoNotCoincide) {
+    const Study study = ReadStudy(
+        R"({"factors": [{"name": "S", "type": "Qualitative", "levels": ["A", "B", "C"]},
+                        {"name": "X", "type": "Quantitative", "low": 0, "high": 1}]})",
+        "s");
+    DesignRequest request = J2Request();
+    request.runs = 12;
+    DesignOptions options = MakeDesign(study, request).options;
+    auto& family = dynamic_cast<J2Options&>(*options.GetDesignSpecificOptions());
+    family.SetModel({{}, {0}});
+    family.SetRepetitions(1);
+    options.SetRuns(7);
+    const J2Design design(EDesign::J2, study.factors, options, nullptr);
+    ASSERT_EQ((*design.GetDesignMatrix())(1, 2), -99.0F);
+    // Those of S alone: 3 + 1 + 1 pairs.
+    EXPECT_THAT(FormatCombinatorialResults(design, study.factors, options),
                 testing::ContainsRegex(R"(\* +1 +7 +3 +5 )"));
 }
 
@@ -285,6 +305,30 @@ TEST(Combinatorial, ProjectKeepsDesignAndOptions) {
     ASSERT_NE(family, nullptr);
     EXPECT_EQ(family->GetLevels(), 4);
     EXPECT_EQ(family->GetRepetitions(), 3);
+}
+
+TEST(Combinatorial, AProjectIsJudgedByTheTermsOfItsSearch) {
+    const TemporaryFolder folder;
+    BuildArguments arguments;
+    arguments.study = folder.File("mill.json");
+    QvFile::ReplaceAll(arguments.study, cStudy);
+    arguments.request = J2Request();
+    arguments.request.levels = 3;
+    arguments.request.optimal.modelTerms = "Speed^2, Screen*Speed";
+    arguments.project = folder.File("mill.doe");
+    std::ostringstream out;
+    std::ostringstream err;
+    RunBuild(arguments, out, err);
+    JudgeRequest asked;
+    asked.subject = arguments.project;
+    const JudgedDesign judged = MakeJudgedDesign(asked, err);
+    EXPECT_THAT(judged.terms, testing::Contains(std::vector{2, 2}));
+    EXPECT_THAT(judged.terms, testing::Contains(std::vector{0, 2}));
+    // Constant, 4 main effects and the two.
+    EXPECT_EQ(judged.terms.size(), 7U);
+    // Named terms still win.
+    asked.request.optimal.modelTerms = "Feed^2";
+    EXPECT_THAT(MakeJudgedDesign(asked, err).terms, testing::Contains(std::vector{3, 3}));
 }
 
 TEST(Combinatorial, OtherResultsOfAProjectCannotBeTaken) {

@@ -274,4 +274,97 @@ TEST_F(Evaluate, InconsistentRegionLeavesTheFiguresThatNeedNoCandidates) {
     EXPECT_EQ(Line(answer, "G-efficiency"), "-");
 }
 
+TEST_F(Evaluate, ValueOutsideATransformIsRefused) {
+    WriteFile(csv_, "Temp,Flow,Cat\n150,1,A\n180,0,B\n");
+    for (const char* command : {"evaluate", "power"}) {
+        const Answer answer = AskStudy({command, "--worksheet", csv_});
+        EXPECT_EQ(answer.code, 2) << command;
+        EXPECT_THAT(answer.err, HasSubstr("\"0\" has no value under the factor's transform"));
+    }
+}
+
+TEST_F(Evaluate, FiguresThatCannotBeComputedAreToldSo) {
+    WriteFile(study_, Quantitatives(2));
+    WriteFile(csv_, "A,B\n10,10\n20,10\n10,20\n20,20\n15,15\n1e25,20\n");
+    const Answer answer = AskStudy({"evaluate", "--worksheet", csv_, "--model", "linear"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(answer.out,
+                HasSubstr("\nA figure of the model cannot be computed for these runs. There are no "
+                          "leverages and no variances.\n"));
+    EXPECT_THAT(answer.out, Not(HasSubstr("is singular")));
+}
+
+TEST_F(Evaluate, BlendsAreJudgedOverTheEdgesOfTheMixture) {
+    WriteFile(study_, R"({"factors":[
+        {"name":"a","type":"Formulation","low":0,"high":1},
+        {"name":"b","type":"Formulation","low":0,"high":1},
+        {"name":"c","type":"Formulation","low":0,"high":1}]})");
+    WriteFile(csv_, "a,b,c\n1,0,0\n0,1,0\n0,0,1\n0.5,0.5,0\n0.5,0,0.5\n0,0.5,0.5\n0.4,0.3,0.3\n");
+    JudgeRequest asked;
+    asked.subject = study_;
+    asked.worksheet = csv_;
+    asked.request.optimal.modelTerms = "a*b, a*c, b*c";
+    std::ostringstream notes;
+    const NCDataMatrix<float> candidates = MakeJudgedDesign(asked, notes).candidates;
+    bool hasEdge = false;
+    for (int row = 1; row <= candidates.SizeRows(); ++row) {
+        // A true blend of two components.
+        hasEdge = hasEdge || (candidates(row, 1) > 0.1F && candidates(row, 2) > 0.1F &&
+                              std::abs(candidates(row, 3)) < 1e-4F);
+    }
+    EXPECT_TRUE(hasEdge) << candidates.SizeRows() << " candidates";
+}
+
+TEST_F(Evaluate, CandidatesOutsideTheStudyAreRefused) {
+    const std::string candidates = folder_.File("candidates.txt");
+    const std::string wide = R"({"factors":[
+        {"name":"A","type":"Quantitative","low":0,"high":50},
+        {"name":"B","type":"Quantitative","low":10,"high":20}]})";
+    WriteFile(study_, wide);
+    ASSERT_EQ(AskStudy({"candidates", "-o", candidates}).code, 0);
+    WriteFile(study_, Quantitatives(2));
+    WriteFile(csv_, "A,B\n10,10\n20,10\n10,20\n20,20\n");
+    const Answer answer = AskStudy({"evaluate", "--worksheet", csv_, "--candidates", candidates});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("candidates lie outside the study"));
+}
+
+TEST_F(Evaluate, NotesOfTheInclusionsAreTold) {
+    WriteFile(csv_, "Cat,Temp,Flow,Yield\nB,163,7,3\n");
+    const std::string note = csv_ + ": the columns \"Yield\" are no factors and are not used\n";
+    EXPECT_THAT(Build({"--inclusions", csv_}).err, HasSubstr(note));
+    for (const char* command : {"evaluate", "power"}) {
+        EXPECT_THAT(
+            AskStudy({command, "--repetitions", "1", "--run-range", "0", "--inclusions", csv_}).err,
+            HasSubstr(note))
+            << command;
+    }
+}
+
+TEST_F(Evaluate, InclusionsOfAnotherWidthAreToldInsteadOfCandidates) {
+    WriteFile(study_, Quantitatives(2, R"("design":"DOpt")"));
+    WriteFile(csv_, "A,B\n12,12\n");
+    ASSERT_EQ(Build({"--project", project_, "--inclusions", csv_}).code, 0);
+    std::string text = HostTesting::ReadFile(project_);
+    const std::size_t cells = text.find("\"12 12\"", text.find("\"Inclusions\""));
+    ASSERT_NE(cells, std::string::npos);
+    text.replace(cells, 7, "\"12 12 12\"");
+    text[text.rfind('2', cells)] = '3';  // the number of columns
+    WriteFile(project_, text);
+    const Answer answer = Ask({"evaluate", project_});
+    EXPECT_THAT(answer.err,
+                HasSubstr("The inclusions file and the candidate set are not consistent. They "
+                          "don't have the same variables."));
+    EXPECT_EQ(Line(answer, "G-efficiency"), "-");
+}
+
+TEST_F(Evaluate, BlocksOfTheStudyAreNamedWhereTheyStand) {
+    WriteStudy(R"("options":{"blocks":5000})");
+    WriteFile(csv_, "Temp,Flow,Cat\n150,1,A\n");
+    EXPECT_EQ(AskStudy({"evaluate", "--worksheet", csv_}).err,
+              study_ + ": options.blocks: 5000 must be a whole number from 1 to 1000.\n");
+    EXPECT_EQ(AskStudy({"evaluate", "--worksheet", csv_, "--blocks", "0"}).err,
+              "--blocks: 0 must be a whole number from 1 to 1000.\n");
+}
+
 }  // namespace

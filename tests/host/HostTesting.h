@@ -9,7 +9,7 @@
 #include "QORVAncdoe.h"
 #include "host/StudyFile.h"
 
-/// Helpers of the host's tests.
+/// Shared by the host's tests.
 namespace HostTesting {
 
 /// A study of quantitative factors A, B, C and so on from 10 to 20, with more members behind.

@@ -175,4 +175,18 @@ TEST_F(IOptCommand, StopLeavesTheWorksheetAsItWas) {
     EXPECT_EQ(ReadFile(csv_), "old");
 }
 
+TEST_F(IOptCommand, RunsBeyondTheLimitOfTheStudyAreRefused) {
+    WriteFile(study_, Quantitatives(2, R"("options":{"maxRuns":6})"));
+    EXPECT_EQ(AskStudy({"iopt", "--runs", "7", "--starts", "1"}).err,
+              "--runs: 7 are more than the run limit of the study, 6.\n");
+    EXPECT_EQ(AskStudy({"iopt", "--runs", "6", "--starts", "1"}).code, 0);
+}
+
+TEST_F(IOptCommand, OptionsWithoutAMeaningAreNoted) {
+    WriteFile(study_, Quantitatives(2, R"("options":{"centerPoints":3,"runs":9,"maxRuns":20})"));
+    EXPECT_THAT(
+        AskStudy({"iopt", "--runs", "4", "--starts", "1"}).err,
+        HasSubstr(study_ + ": iopt does not use the options \"centerPoints\" and \"runs\".\n"));
+}
+
 }  // namespace

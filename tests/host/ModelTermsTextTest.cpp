@@ -124,4 +124,16 @@ TEST(ModelTermsText, WritesTerms) {
     EXPECT_EQ(ModelTermsText::TextOf(Terms{{}, {0}}, factors), "main effects");
 }
 
+TEST(ModelTermsText, WritesWhatItReads) {
+    const Study study = ReadStudy(R"({"factors":[
+        {"name":"Stir, fast","type":"Quantitative","low":1,"high":2},
+        {"name":"a*b^2","type":"Quantitative","low":1,"high":2},
+        {"name":"the \"old\" one","type":"Quantitative","low":1,"high":2}]})",
+                                  "s.json");
+    const Terms terms{{}, {0}, {1}, {2}, {0, 1}, {1, 2, 2}};
+    const std::string text = ModelTermsText::TextOf(terms, study.factors);
+    EXPECT_EQ(text, R"("Stir, fast"*"a*b^2", "a*b^2"*"the ""old"" one"^2)");
+    EXPECT_EQ(ModelTermsText::Read(text, study, 1, "x"), terms);
+}
+
 }  // namespace

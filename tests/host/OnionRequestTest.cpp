@@ -156,6 +156,24 @@ TEST_F(OnionCommand, TooFewAcceptableCandidatesAreToldWithTheNumberThatIsNeeded)
                           "model with 3 terms; at least 18 are needed."));
 }
 
+// No number of candidates would do.
+TEST_F(OnionCommand, CandidatesUnderConstraintsNeedAModelOfTheFamily) {
+    const Study read = study();
+    const auto builder = AllDesigns::GetDesignBuilder(EDesign::OnionDOpt, "");
+    DesignOptions options(
+        *builder, read.factors, EObjective::SplitObjective, EModel::None, EModel::None, 12000);
+    options.GetDesignSpecificOptions()->SetConstraints(
+        NCDOE::Constraints({{{{0, 1.0}}, 13.0, true}}), read.factors);
+    try {
+        (void)ApplyOnionRequest({}, table_, read, *builder, options);
+        ADD_FAILURE() << "no exception";
+    } catch (const Exception& error) {
+        EXPECT_THAT(error.what(),
+                    HasSubstr("candidates under constraints are divided for a linear, interaction "
+                              "or quadratic model; the model is "));
+    }
+}
+
 TEST_F(OnionCommand, CandidatesOutsideTheRangesAreRefused) {
     WriteFile(table_, "A,B\n12,13\n14,21\n");
     EXPECT_THAT(Refused({"--candidates", table_}), HasSubstr("candidate 2: \"B\" is 21"));

@@ -407,4 +407,19 @@ TEST_F(OptimalProject, TermsOfUnknownFactorsAreRefused) {
     EXPECT_THAT(answer.err, HasSubstr("the factor of a model term: -7 is out of range"));
 }
 
+TEST_F(OptimalBuild, WorksheetThatCannotBeWrittenLeavesTheProjectAlone) {
+    const std::string nowhere = folder_.File("missing/runs.csv");
+    EXPECT_EQ(Build({"-o", nowhere, "--project", project_}).code, 2);
+    EXPECT_EQ(ReadFile(project_), "");
+    const Answer built =
+        AskStudy({"build", "-o", csv_, "--project", project_, "--repetitions", "3"});
+    ASSERT_EQ(built.code, 0) << built.err;
+    const std::string before = ReadFile(project_);
+    ASSERT_NE(before, "");
+    EXPECT_EQ(Ask({"select", project_, "3", "-o", nowhere}).code, 2);
+    EXPECT_EQ(ReadFile(project_), before);
+    EXPECT_EQ(Build({"-o", nowhere, "--project", project_, "--runs", "12"}).code, 2);
+    EXPECT_EQ(ReadFile(project_), before);
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <set>
@@ -231,6 +232,67 @@ TEST_F(PlateCommand, QuadraticDesignsCanBeNamed) {
                 HasSubstr("columns: CCF of C and D, 8 runs and 4 centre points, quadratic model"));
 }
 
+// A qualitative factor of so many levels in the rows, and A in the columns.
+std::string WithALoneQualitative(int levels) {
+    std::string names;
+    for (int level = 1; level <= levels; ++level) {
+        names += (level > 1 ? ",\"L" : "\"L") + std::to_string(level) + '"';
+    }
+    return R"({"factors":[{"name":"Buffer","type":"Qualitative","levels":[)" + names +
+           R"(]},{"name":"A","type":"Quantitative","low":0,"high":1}]})";
+}
+
+// The lines of the error output are counted against the wells of the first column.
+TEST_F(PlateCommand, RepeatedLevelsAreToldWithWhatFillsTheSide) {
+    const std::map<int, std::pair<std::string, std::vector<int>>> cases{
+        {2, {"Levels Quad. of Buffer, 8 runs (4 of each level), linear model\n", {4, 4}}},
+        {3,
+         {"Levels Duplicate of Buffer, 8 runs (2 of each level and one more of the first 2), "
+          "linear model\n",
+          {3, 3, 2}}},
+        {4,
+         {"Levels Duplicate of Buffer, 8 runs (2 of each level), linear model\n", {2, 2, 2, 2}}}};
+    for (const auto& [levels, expected] : cases) {
+        WriteFile(study_, WithALoneQualitative(levels));
+        const Answer answer = Ask({"-o", csv_});
+        ASSERT_EQ(answer.code, 0) << answer.err;
+        EXPECT_THAT(answer.err, HasSubstr("rows: " + expected.first));
+        EXPECT_THAT(answer.err, Not(HasSubstr("has no centre")));
+        const auto lines = RunList();
+        std::map<std::string, int> counts;
+        for (std::size_t well = 1; well <= 8; ++well) {
+            ++counts[lines[well][3]];
+        }
+        for (std::size_t level = 0; level < expected.second.size(); ++level) {
+            EXPECT_EQ(counts["L" + std::to_string(level + 1)], expected.second[level]) << level;
+        }
+    }
+}
+
+TEST_F(PlateCommand, NamedRepeatedLevelsAreToldAlike) {
+    WriteFile(study_, WithALoneQualitative(3));
+    EXPECT_THAT(Ask({"--vertical-design", "Levels Duplicate"}).err,
+                HasSubstr("8 runs (2 of each level and one more of the first 2), linear model\n"));
+}
+
+// 5 levels go once into 8 rows.
+TEST_F(PlateCommand, CentrePointsOfALoneQualitativeFactorAreItsFirstLevel) {
+    WriteFile(study_, WithALoneQualitative(5));
+    const Answer answer = Ask({"-o", csv_});
+    ASSERT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(answer.err,
+                HasSubstr("rows: Levels of Buffer, 5 runs and 3 centre points, linear model\n"
+                          "rows: Buffer has no centre; all centre points are its first level, "
+                          "\"L1\".\n"));
+    const auto lines = RunList();
+    EXPECT_EQ(
+        std::count_if(
+            lines.begin() + 1, lines.begin() + 9, [](const auto& line) { return line[3] == "L1"; }),
+        4);
+    WriteFile(study_, cMixed);
+    EXPECT_THAT(Ask({}).err, Not(HasSubstr("has no centre")));
+}
+
 // 3 formulation factors in the rows, by a mixture design: every well's blend is whole and within
 // the limits, whose corners are reached, on a simplex that stands upright and on one upside down.
 TEST_F(PlateCommand, BlendsAddUpInEveryWell) {
@@ -355,15 +417,21 @@ TEST_F(PlateCommand, PlateFactorsOfThreeLevelsAreRefused) {
 }
 
 TEST_F(PlateCommand, FormulationFactorsOnBothSidesAreRefused) {
-    WriteFile(study_,
-              R"({"factors":[{"name":"a","type":"Formulation","low":0,"high":1},
-                             {"name":"b","type":"Formulation","low":0,"high":1},
-                             {"name":"c","type":"Formulation","low":0,"high":1},
-                             {"name":"x","type":"Quantitative","low":0,"high":1},
-                             {"name":"y","type":"Quantitative","low":0,"high":1}]})");
-    const Answer answer = Ask({"--horizontal", "a,x", "--vertical", "b,c,y"});
-    EXPECT_NE(answer.code, 0);
-    EXPECT_THAT(answer.err, HasSubstr(study_));
+    std::string blend = R"({"factors":[)";
+    for (const std::string name : {"a", "b", "c", "d", "e", "f"}) {
+        blend += R"({"name":")" + name + R"(","type":"Formulation","low":0,"high":1},)";
+    }
+    WriteFile(study_, blend + R"({"name":"x","type":"Quantitative","low":0,"high":1}]})");
+    const Answer whole = Ask({"--horizontal", "a,b,c", "--vertical", "d,e,f", "--plates", "2"});
+    EXPECT_EQ(whole.code, 2);
+    EXPECT_THAT(whole.err,
+                HasSubstr(study_ + ": All formulation factors should be in the same block."));
+    // Already half a blend beside a process factor has no design.
+    const Answer mixed = Ask({"--horizontal", "a,x", "--vertical", "b,c,d,e,f"});
+    EXPECT_EQ(mixed.code, 1);
+    EXPECT_THAT(mixed.err,
+                HasSubstr("no design fills 12 columns of a plate with \"a\" and \"x\"; try other "
+                          "groups (--horizontal, --vertical) or another --size."));
 }
 
 TEST_F(PlateCommand, SidesWithoutADesignAreNoValidDesign) {
@@ -383,6 +451,46 @@ TEST_F(PlateCommand, DesignThatDoesNotFillItsSideIsNoValidDesign) {
                           "FF2, "));
     EXPECT_EQ(Ask({"--vertical-design", "DOpt"}).code, 1);
     EXPECT_EQ(Ask({"--vertical-design", "RED-MUP"}).code, 1);
+}
+
+// Its runs are candidates in real units.
+TEST_F(PlateCommand, DesignInLayersIsNotOfferedForASide) {
+    WriteFile(study_, Quantitatives(4));
+    const Answer answer = Ask({"--size", "384", "--vertical-design", "OnionDOpt"});
+    EXPECT_EQ(answer.code, 1);
+    EXPECT_THAT(answer.err,
+                HasSubstr("--vertical-design: OnionDOpt cannot fill 16 rows with \"A\" and \"B\"; "
+                          "allowed: FF2, "));
+    EXPECT_EQ(answer.err.rfind("OnionDOpt"), answer.err.find("OnionDOpt")) << answer.err;
+}
+
+TEST_F(PlateCommand, NamesOfItsOwnColumnsAreRefused) {
+    for (const std::string name : {"Plate", "Well", "Name", "PlateLetter"}) {
+        for (
+            const std::string rest :
+            {R"("type":"Quantitative","low":0,"high":1},{"name":"B",)",
+             R"("type":"Filler"},{"name":"B","type":"Formulation","low":0,"high":0.2},{"name":"C",)"}) {
+            WriteFile(
+                study_,
+                R"({"factors":[{"name":"A","type":"Quantitative","low":0,"high":1},{"name":")" +
+                    name + "\"," + rest + R"("type":"Quantitative","low":0,"high":1}]})");
+            const Answer answer = Ask({"--plates", "2", "--plate-factors", "yes", "-o", csv_});
+            EXPECT_EQ(answer.code, 2) << name;
+            EXPECT_THAT(answer.err,
+                        HasSubstr(study_ + ": the factor \"" + name +
+                                  "\" has the name of another column in the list of wells"));
+            EXPECT_THAT(answer.out, IsEmpty());
+            EXPECT_THAT(ReadFile(csv_), IsEmpty());
+        }
+    }
+}
+
+TEST_F(PlateCommand, PlateLetterIsAFreeNameWhereThereIsNoSuchColumn) {
+    WriteFile(study_,
+              R"({"factors":[{"name":"PlateLetter","type":"Quantitative","low":0,"high":1},
+                             {"name":"plate","type":"Quantitative","low":0,"high":1}]})");
+    ASSERT_EQ(Ask({"-o", csv_}).code, 0);
+    EXPECT_THAT(RunList()[0], ElementsAre("Plate", "Well", "Name", "PlateLetter", "plate"));
 }
 
 TEST_F(PlateCommand, EachSideNeedsAFactor) {

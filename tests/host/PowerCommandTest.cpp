@@ -221,4 +221,20 @@ TEST_F(PowerCommand, WrongNumbersAreRefused) {
     }
 }
 
+TEST_F(PowerCommand, HugeEffectsAreCertainToBeFound) {
+    WriteCube();
+    const Answer answer = AskStudy({"power", "--model", "linear", "--effects", "1e6"});
+    EXPECT_EQ(answer.code, 0) << answer.err;
+    EXPECT_THAT(LineOf(answer, "A"), testing::EndsWith("1.000")) << answer.out;
+}
+
+TEST_F(PowerCommand, LevelOfSignificanceWithoutDigitsIsRefused) {
+    EXPECT_THAT(AskStudy({"power", "--alpha=1e-13"}).err,
+                HasSubstr("--alpha: 1e-13 must be 1e-12 at least"));
+    WriteCube();
+    const Answer strict =
+        AskStudy({"power", "--model", "linear", "--alpha=1e-12", "--effects", "1,1e6"});
+    EXPECT_EQ(strict.code, 0) << strict.err;
+}
+
 }  // namespace

@@ -161,4 +161,14 @@ TEST_F(RunsFileTest, FillerColumnIsPassedOver) {
     EXPECT_THAT(file.notes, IsEmpty());
 }
 
+TEST_F(RunsFileTest, ValueWithoutAnImageIsNamed) {
+    study_ = ReadStudy(R"({"factors":[
+        {"name":"Flow","type":"Quantitative","low":1,"high":100,"transform":"log10"},
+        {"name":"Temp","type":"Quantitative","low":150,"high":180}]})",
+                       "s.json");
+    EXPECT_EQ(ErrorOf("Flow,Temp\n1,150\n0,150\n"),
+              "line 3, column \"Flow\": \"0\" has no value under the factor's transform.");
+    EXPECT_EQ(RowsOf(Read("Flow,Temp\n0.5,0\n").matrix), (Rows{{0.5F, 0}}));
+}
+
 }  // namespace

@@ -345,4 +345,26 @@ TEST_F(SubsetCommands, BuildTellsTheCommandToUse) {
                 HasSubstr("is made by the command subsets"));
 }
 
+TEST_F(SubsetCommands, ConstraintsAreNotKept) {
+    WriteFile(study_, Quantitatives(2, R"("constraints":[
+        {"terms":[{"factor":"A","coefficient":1}],"bound":15,"relation":"<="}])"));
+    for (const auto& [command, name] :
+         {std::pair{"stability", "a stability design"}, {"subsets", "a division into subsets"}}) {
+        const Answer answer = Ask({command});
+        EXPECT_EQ(answer.code, 1) << command;
+        EXPECT_THAT(answer.err,
+                    HasSubstr(study_ + ": constraints: " + name +
+                              " holds all combinations of levels and keeps to no constraints."));
+    }
+}
+
+TEST_F(SubsetCommands, StabilityNeedsADesignSet) {
+    WriteFile(study_,
+              Quantitatives(2, R"("options":{"designSpecificOptions":{"usedDesigns":[]}})"));
+    const Answer answer = Ask({"stability"});
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_THAT(answer.err, HasSubstr("usedDesigns: there is no design set"));
+    EXPECT_EQ(Ask({"stability", "--used", "1:1"}).code, 0);
+}
+
 }  // namespace

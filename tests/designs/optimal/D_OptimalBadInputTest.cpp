@@ -257,4 +257,15 @@ TEST(DOptimalStop, TheFlagEndsTheBuildWhereverItIsSet) {
     EXPECT_GT(calls, 20);
 }
 
+TEST(DOptimalBadInput, RunRangeBeyondTheMostRunsIsRefusedBeforeTheSearch) {
+    const TestFactors factors = TestFactors().Quantitatives(2);
+    DesignOptions options = LinearRequest(factors, 999'999);
+    options.SetMaxRuns(2'000'000);
+    options.SetCenterPoints(0);
+    FamilyOf(options).SetRunRange(2);
+    EXPECT_EQ(RefusalOf(factors, options),
+              "The design would have 1000001 runs in each of 1 copies. It may have at most 1000000 "
+              "runs in all.");
+}
+
 }  // namespace

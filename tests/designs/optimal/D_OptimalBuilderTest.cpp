@@ -374,4 +374,34 @@ TEST(DOptimalBuilder, MixedFactorialComesFirstWhereItIsTheSmaller) {
     EXPECT_EQ(ffm->GetPriority(TestFactors().Qualitative(3).Quantitatives(3)), 25);
 }
 
+TEST(DOptimalBuilder, BlocksOfAMixtureCountAsProcess) {
+    const TestFactors blend = Blend(3);
+    DesignOptions options = Request(blend, EObjective::Optimization, EModel::Quadratic);
+    EXPECT_FALSE(Builder().IsPMInteractionDefault(blend, options));
+    options.SetBlocks(2);
+    EXPECT_TRUE(Builder().IsPMInteractionDefault(blend, options));
+}
+
+TEST(DOptimalBuilder, LegalRunsEndAtTheMostFinishedRuns) {
+    const TestFactors factors = TestFactors().Quantitatives(2);
+    DesignOptions options = Request(factors, EObjective::Screening, EModel::Linear);
+    options.SetMaxRuns(4'000'000'000U);
+    options.SetCenterPoints(3);
+    options.SetReplicates(9);
+    EXPECT_EQ(Builder().GetLegalRuns(factors, options).back(), 100'000U - 3);
+}
+
+TEST(DOptimalBuilder, ComponentWithoutSettingsHasNoRange) {
+    const TestFactors factors = TestFactors()
+                                    .Other(CEType::Formulation, {}, 0)
+                                    .Formulation(0, 0.5F)
+                                    .Formulation(0, 0.5F)
+                                    .Formulation(0, 0.5F);
+    DesignOptions options;
+    const auto family = std::make_shared<D_OptimalOptions>();
+    family->SetModel({{}, {0}, {1}, {2}, {3}});
+    options.SetDesignSpecificOptions(family);
+    EXPECT_EQ(Builder().MinimumRuns(factors, options), 5U);
+}
+
 }  // namespace

@@ -151,4 +151,23 @@ TEST(DOptimal, RemovingWithoutResultsDoesNothing) {
     EXPECT_TRUE(design.GetResults().empty());
 }
 
+// Which runs are repeated is partly chance.
+TEST(DOptimal, FiguresOfASelectedResultAreThoseOfItsMatrix) {
+    const TestFactors factors = TestFactors().Quantitatives(3);
+    DesignOptions options = Request(factors, EObjective::Screening, 9);
+    options.SetReplicatedRuns(2);
+    const auto design = Search(factors, options);
+    const DesignStatistics::Terms terms =
+        FamilyOf(options).GetModel(EDesign::DOpt, factors, options);
+    for (int i = 0; i < 20; ++i) {
+        design->SelectDesign(0, factors, options, 0);
+        bool stop = false;
+        const DesignStatistics::Results figures = DesignStatistics::CalculateStatistics(
+            factors, terms, *design->GetDesignMatrix(), nullptr, false, 1, stop);
+        EXPECT_EQ(design->GetResults()[0].LogDet, figures.LogDet) << "selection " << i;
+        EXPECT_EQ(design->GetResults()[0].CondNo, figures.CondNo) << "selection " << i;
+        EXPECT_GT(design->GetResults()[0].GEff, 0) << "selection " << i;
+    }
+}
+
 }  // namespace

@@ -238,4 +238,16 @@ TEST(ModelExpansion, OtherModelsHaveNoPotentialTerms) {
     }
 }
 
+TEST(ModelExpansion, TermsOfFactorsThatAreNotThereHaveNoColumn) {
+    // In the engine's order the process factor stands first.
+    const TestFactors factors =
+        TestFactors().Formulation().Formulation().Formulation().Quantitative();
+    const NCDataMatrix<float> rows{{0.5F, 1, 0, 0}};
+    const auto plain = Setting(factors).Expand(rows, {});
+    for (const ModelTerms::Term& term :
+         std::vector<ModelTerms::Term>{{0, 4}, {-1, 0}, {-1, 0, 1}, {4, 4}, {3, -1}}) {
+        EXPECT_EQ(Setting(factors).Expand(rows, {term}), plain) << term[0] << ", " << term[1];
+    }
+}
+
 }  // namespace

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "designs/optimal/D_OptimalOptions.h"
@@ -67,6 +69,17 @@ TEST(OnionBuilder, OtherModelsHaveNoTerms) {
     for (const EModel::Type model : {EModel::None, EModel::SpecialCubic, EModel::Cubic}) {
         EXPECT_EQ(OnionBuilder::GetDefaultNoModelTerms(model, 5), 0) << model;
     }
+}
+
+TEST(OnionBuilder, TermsBeyondAnIntAreCutThere) {
+    constexpr int most = std::numeric_limits<int>::max();
+    for (const int n : {65'536, 1'000'000, most}) {
+        EXPECT_EQ(OnionBuilder::GetDefaultNoModelTerms(EModel::Interaction, n), most) << n;
+        EXPECT_EQ(OnionBuilder::GetDefaultNoModelTerms(EModel::Quadratic, n), most) << n;
+    }
+    EXPECT_EQ(OnionBuilder::GetDefaultNoModelTerms(EModel::Linear, most), most);
+    // 1 + 65,535 * 65,534 / 2 + 65,535, although the product is no int.
+    EXPECT_EQ(OnionBuilder::GetDefaultNoModelTerms(EModel::Interaction, 65'535), 2'147'450'881);
 }
 
 TEST(OnionBuilder, RunsPerLayerFollowItsTerms) {
@@ -358,6 +371,16 @@ TEST(OnionBuilder, TheRunLimitMustHoldOneLayerOfTheModel) {
     EXPECT_FALSE(Builder().IsValid(factors, options));
 }
 
+// No limit is 12,000 here, and so 0 is one that nothing keeps; the default runs take it for none.
+TEST(OnionBuilder, ARunLimitOfNoneIsNotValid) {
+    const auto factors = TestFactors().Quantitatives(3);
+    DesignOptions options = Linear(factors);
+    options.SetMaxRuns(0);
+    EXPECT_FALSE(Builder().IsValid(factors, options));
+    EXPECT_EQ(Builder().Build(factors, options), nullptr);
+    EXPECT_EQ(Builder().GetDefaultRuns(factors, options), 17U);
+}
+
 TEST(OnionBuilder, TooFewAcceptableCandidatesAreNotValid) {
     const auto factors = TestFactors().Quantitatives(2);
     for (int candidates = 0; candidates <= 60; ++candidates) {
@@ -445,6 +468,23 @@ TEST(OnionBuilder, CandidatesOfALayerThatDoesNotExistAreRefused) {
                  InvalidOperationException);
     EXPECT_THROW((void)OnionBuilder::GenerateCandidateset(-1, options, factors),
                  InvalidOperationException);
+}
+
+// There are as many candidates as runs.
+TEST(OnionBuilder, MoreCandidatesThanADesignMayHaveRunsAreRefused) {
+    const auto factors = TestFactors().Quantitatives(3);
+    DesignOptions options = Linear(factors);
+    for (const int runs : {1'000'001, std::numeric_limits<int>::max()}) {
+        FamilyOf(options).GetLayer(2).Runs = runs;
+        try {
+            (void)OnionBuilder::GenerateCandidateset(1, options, factors);
+            ADD_FAILURE() << runs;
+        } catch (const Exception& error) {
+            EXPECT_EQ(
+                std::string(error.what()),
+                "Layer 2 has " + std::to_string(runs) + " runs. It may have at most 1000000 runs.");
+        }
+    }
 }
 
 }  // namespace

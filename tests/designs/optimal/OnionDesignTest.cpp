@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "designs/optimal/D_OptimalOptions.h"
 #include "foundation/util/ConfigurationStore.h"
 #include "foundation/utl/ConfigurationSection.h"
 #include "foundation/utl/Exceptions.h"
@@ -296,6 +297,26 @@ TEST_F(OnionDesignTest, ReplicatesCopyTheWholeStack) {
     EXPECT_EQ(Stacked(*design), once);
 }
 
+TEST_F(OnionDesignTest, BlocksApplyWithoutACandidateSet) {
+    DesignOptions options = Linear(factors_);
+    options.SetBlocks(2);
+    const auto design = Built(factors_, options);
+    const Table& runs = *design->GetDesignMatrix();
+    ASSERT_EQ(runs.SizeColumns(), 3);
+    std::set<float> codes;
+    for (int row = 1; row <= runs.SizeRows(); ++row) {
+        codes.insert(runs(row, 3));
+    }
+    EXPECT_THAT(codes, ElementsAre(-1.0F, 1.0F));
+}
+
+TEST_F(OnionDesignTest, BlocksDoNotApplyToACandidateSet) {
+    DesignOptions options = Layered(factors_);
+    const Table once = *Built(factors_, options)->GetDesignMatrix();
+    options.SetBlocks(2);
+    EXPECT_EQ(*Built(factors_, options)->GetDesignMatrix(), once);
+}
+
 // --- Choosing results -------------------------------------------------------------------------
 
 TEST_F(OnionDesignTest, AnotherResultOfALayerIsShown) {
@@ -442,6 +463,16 @@ TEST_F(OnionDesignTest, AReadDesignGetsItsMatrixFromTheOptions) {
     EXPECT_EQ(*loaded.GetDesignMatrix(), *design->GetDesignMatrix());
 }
 
+TEST_F(OnionDesignTest, LoadingLeavesNothingOfAnEarlierDesign) {
+    ConfigurationStore store;
+    Built(factors_, Layered(factors_, 2))->Save(store.OpenRoot().get());
+    const auto design = Built(factors_, Layered(factors_, 3));
+    ASSERT_NE(design->GetDesignMatrix(), nullptr);
+    ASSERT_TRUE(design->Load(store.OpenRoot().get()));
+    EXPECT_EQ(design->GetLayerCount(), 2);
+    EXPECT_EQ(design->GetDesignMatrix(), nullptr);
+}
+
 TEST_F(OnionDesignTest, SectionsAreThoseOfTheFormat) {
     const auto design = Built(factors_, Layered(factors_));
     ConfigurationStore store;
@@ -482,6 +513,74 @@ TEST_F(OnionDesignTest, WithoutFamilyOptionsTheDefaultOnesAreSearched) {
     EXPECT_EQ(Built(factors_, options)->GetLayerCount(), 3);
     EXPECT_EQ(options.GetDesignSpecificOptions(), nullptr);
     EXPECT_THROW(OnionDesign(factors_, options), InvalidOperationException);
+}
+
+// What was reckoned with before the search holds in the search.
+TEST_F(OnionDesignTest, ConstraintsInOptionsOfAnotherFamilyAreKept) {
+    DesignOptions options = Linear(factors_);
+    const auto other = std::make_shared<DesignSpecificOptions>();
+    other->SetConstraints(AtLeast(0.5), factors_);
+    options.SetDesignSpecificOptions(other);
+    const auto design = Built(factors_, options);
+    const Table& runs = *design->GetDesignMatrix();
+    ASSERT_GT(runs.SizeRows(), 0);
+    for (int row = 1; row <= runs.SizeRows(); ++row) {
+        EXPECT_GE(runs(row, 1), 0.5F) << "row " << row;
+    }
+    EXPECT_EQ(options.GetDesignSpecificOptions(), other.get());
+}
+
+TEST_F(OnionDesignTest, CandidatesInOptionsOfAnotherFamilyAreKept) {
+    DesignOptions options = Linear(factors_);
+    const auto other = std::make_shared<D_OptimalOptions>();
+    other->SetCandidateSet(Grid(3));
+    options.SetDesignSpecificOptions(other);
+    const auto design = Built(factors_, options);
+    ASSERT_EQ(design->GetLayerCount(), 3);
+    const Table& inner = *design->GetResults()[0]->GetDesignMatrix();
+    for (int row = 1; row <= inner.SizeRows(); ++row) {
+        EXPECT_TRUE(Holds(Grid(3).GetMatrix(1), inner.GetRow(row))) << "row " << row;
+    }
+}
+
+TEST_F(OnionDesignTest, OptionsOfAnotherFamilyDoNotMakeTheMatrix) {
+    const auto design = Built(factors_, Layered(factors_));
+    ConfigurationStore store;
+    design->Save(store.OpenRoot().get());
+    OnionDesign loaded(factors_, *store.OpenRoot());
+    DesignOptions options = Layered(factors_);
+    for (const auto& other :
+         {std::shared_ptr<D_OptimalOptions>(), std::make_shared<D_OptimalOptions>()}) {
+        options.SetDesignSpecificOptions(other);
+        EXPECT_THROW(loaded.UpdateDesignMatrix(options), InvalidOperationException);
+        EXPECT_EQ(loaded.GetDesignMatrix(), nullptr);
+    }
+}
+
+TEST_F(OnionDesignTest, MoreCopiesThanADesignMayHaveAreRefusedInEveryUpdate) {
+    DesignOptions options = Layered(factors_);
+    const auto design = Built(factors_, options);
+    const Table before = *design->GetDesignMatrix();
+    // The second number of copies does not fit an int.
+    for (const unsigned replicates : {1'000'000U, 4'000'000'000U}) {
+        options.SetReplicates(replicates);
+        EXPECT_THAT(ExceptionText([&] { design->UpdateDesignMatrix(options); }),
+                    ::testing::HasSubstr("at most 1000000 runs"));
+        EXPECT_THAT(ExceptionText([&] { design->SelectDesign(1, 0, options); }),
+                    ::testing::HasSubstr("at most 1000000 runs"));
+        EXPECT_EQ(*design->GetDesignMatrix(), before);
+    }
+}
+
+// Centre points and replicated runs are in the layers: they are not counted again.
+TEST_F(OnionDesignTest, OnlyTheStackAndItsCopiesCount) {
+    DesignOptions options = Layered(factors_);
+    const auto design = Built(factors_, options);
+    const Table before = *design->GetDesignMatrix();
+    options.SetCenterPoints(1'000'000);
+    options.SetReplicatedRuns(1'000'000);
+    design->UpdateDesignMatrix(options);
+    EXPECT_EQ(*design->GetDesignMatrix(), before);
 }
 
 TEST_F(OnionDesignTest, WithoutLayersThereIsNoDesign) {

@@ -260,6 +260,17 @@ TEST(OnionOptions, LayersAndCandidatesAreReadBack) {
     EXPECT_EQ(loaded.GetCandidateSet().GetNumData(), saved.GetCandidateSet().GetNumData());
 }
 
+TEST(OnionOptions, CandidatesOfEarlierOptionsDoNotStayBehind) {
+    OnionOptions saved = Unusual();
+    saved.SetCandidateSet(CandidateSet());
+    ConfigurationStore store;
+    saved.Save(store.OpenRoot().get());
+    OnionOptions loaded = Unusual();
+    ASSERT_GT(loaded.GetCandidateSet().SizeRows(), 0);
+    EXPECT_TRUE(loaded.Load(store.OpenRoot().get()));
+    EXPECT_EQ(loaded.GetCandidateSet().SizeRows(), 0);
+}
+
 TEST(OnionOptions, KeysAreThoseOfTheFormat) {
     ConfigurationStore store;
     Unusual().Save(store.OpenRoot().get());

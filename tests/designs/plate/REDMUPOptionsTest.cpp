@@ -9,16 +9,20 @@
 #include <numeric>
 #include <set>
 
+#include "designs/plate/RunOrders.h"
 #include "foundation/util/ConfigurationStore.h"
 #include "foundation/utl/ConfigurationSection.h"
 #include "foundation/utl/Exceptions.h"
 #include "tests/oracles/PlateOracle.h"
+#include "tests/support/BuiltDesign.h"
 #include "tests/support/PlateCases.h"
 #include "tests/support/ValidatingScope.h"
 
 namespace {
 
 using PlateCases::cSizes;
+using ::testing::AnyOf;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -161,6 +165,31 @@ TEST(REDMUPOptions, NewFormatForFactorsThatDoNotFitChangesNothing) {
     EXPECT_EQ(StoreText(options), before);
 }
 
+// A division afresh takes the place of a vertical group that is no longer there.
+TEST(REDMUPOptions, NewDivisionReplacesAStaleGroup) {
+    const TestFactors factors = TestFactors().Quantitatives(4);
+    REDMUPOptions options(TestFactors().Quantitatives(12));
+    ASSERT_THAT(options.GetVerticalDesign().factors, SizeIs(6));
+    options.GetHorizontalDesign().factors.clear();
+    options.SetPlateSize(REDMUPOptions::Wells384, factors, true);
+    EXPECT_THAT(options.GetVerticalDesign().factors, ElementsAre(0, 1));
+    EXPECT_THAT(options.GetHorizontalDesign().factors, ElementsAre(2, 3));
+    EXPECT_EQ(options.GetPlateSize(), REDMUPOptions::Wells384);
+}
+
+// One factor goes to the horizontal group, so that the vertical one stays.
+TEST(REDMUPOptions, StaleGroupThatADivisionLeavesAloneChangesNothing) {
+    REDMUPOptions options(TestFactors().Quantitatives(4));
+    options.GetHorizontalDesign().factors.clear();
+    const std::string before = StoreText(options);
+    EXPECT_EQ(FailureOf([&] {
+                  options.SetPlateSize(
+                      REDMUPOptions::Wells384, TestFactors().Quantitatives(1), true);
+              }),
+              "Incorrect block factor setup.");
+    EXPECT_EQ(StoreText(options), before);
+}
+
 TEST(REDMUPOptions, RowsAndColumnsOfThePlateAreRunNumbers) {
     const TestFactors factors = TestFactors().Quantitatives(5);
     REDMUPOptions options(factors);
@@ -229,6 +258,35 @@ TEST(REDMUPOptions, SetupTakesTheStrongestProposalThatFillsTheSide) {
             }
         }
     }
+}
+
+// More factors than a full factorial has room for, up to more than some sides have wells.
+TEST(REDMUPOptions, DesignsOfManyFactorsFillTheSideWithoutBlankCells) {
+    int served = 0;
+    for (const int count : {9, 12, 20, 33}) {
+        const TestFactors factors = TestFactors().Quantitatives(count);
+        std::vector<unsigned long long> group(static_cast<std::size_t>(count));
+        std::iota(group.begin(), group.end(), 0ULL);
+        for (const int size : {8, 12, 16, 24, 32, 48}) {
+            SCOPED_TRACE(std::to_string(count) + " factors on " + std::to_string(size));
+            SubDesign side;
+            side.Setup(static_cast<unsigned long long>(size), factors, group);
+            if (!side.options) {
+                continue;
+            }
+            const auto builder = AllDesigns::GetDesignBuilder(side.designType, side.designData);
+            const auto design = builder->Build(factors, *side.options);
+            ASSERT_NE(design, nullptr);
+            const NCDataMatrix<float>& matrix = *design->GetDesignMatrix();
+            EXPECT_EQ(matrix.SizeRows(), size);
+            ASSERT_EQ(matrix.SizeColumns(), count);
+            for (int run = 1; run <= matrix.SizeRows(); ++run) {
+                EXPECT_THAT(built::RowOf(matrix, run), Each(AnyOf(-1, 0, 1))) << "run " << run;
+            }
+            ++served;
+        }
+    }
+    EXPECT_GE(served, 10);
 }
 
 TEST(REDMUPOptions, TwoFactorsOnASideHaveAFullFactorialFilledWithCentrePoints) {
@@ -409,6 +467,16 @@ TEST(REDMUPRunOrders, AreTheSameInValidatingMode) {
     EXPECT_EQ(options.GetVerticalDesign().runOrder, vertical);
     const REDMUPOptions other(TestFactors().Quantitatives(4));
     EXPECT_EQ(other.GetHorizontalDesign().runOrder, horizontal);
+}
+
+TEST(REDMUPRunOrders, OfValidatingModeHaveAFixedSeed) {
+    const ValidatingScope validating;
+    const TestFactors factors = TestFactors().Quantitatives(4);
+    REDMUPOptions options(factors);
+    options.SetPlateSize(REDMUPOptions::Wells96, factors, true);
+    std::mt19937 engine(1974);
+    EXPECT_EQ(options.GetHorizontalDesign().runOrder, RunOrders::Draw(12, engine));
+    EXPECT_EQ(options.GetVerticalDesign().runOrder, RunOrders::Draw(8, engine));
 }
 
 // One generator serves both sides, the horizontal one first: side by side they are not alike.

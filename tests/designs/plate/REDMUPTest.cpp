@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <numeric>
 #include <set>
 #include <string>
 
@@ -422,6 +423,81 @@ TEST(REDMUPFailures, DesignDoesNotFillItsSide) {
         side.options->SetRuns(8);
         side.options->SetBlocks(2);
     });
+}
+
+// Run counts that a family does not have leave cells blank, although the design is accepted.
+TEST(REDMUPFailures, DesignLeavesCellsBlank) {
+    struct Case {
+        bool vertical;
+        EDesign::Type type;
+        std::string data;
+        unsigned runs;
+        TestFactors side;
+        EModel::Type model;
+    };
+    const auto three = TestFactors().Quantitatives(3);
+    const auto levels = TestFactors().MultilevelOf(3);
+    const std::vector<Case> cases{
+        {true, EDesign::PB, "", 6, three, EModel::Linear},
+        {true, EDesign::FF2, "", 4, three, EModel::Interaction},
+        {true, EDesign::Levels, "", 8, levels, EModel::Linear},
+        {true, EDesign::Plugin, "Levels Duplicate", 8, levels, EModel::Linear},
+        {false, EDesign::PB, "", 6, three, EModel::Linear},
+        {false, EDesign::FF2, "", 4, three, EModel::Interaction},
+        {false, EDesign::Levels, "", 8, levels, EModel::Linear},
+        {false,
+         EDesign::Plugin,
+         "Levels Duplicate",
+         12,
+         TestFactors().MultilevelOf(5),
+         EModel::Linear}};
+    for (const Case& wrong : cases) {
+        SCOPED_TRACE((wrong.vertical ? "rows " : "columns ") +
+                     EDesign::GetShortString(wrong.type, wrong.data));
+        TestFactors factors = wrong.side;
+        factors.Quantitative();
+        std::vector<unsigned long long> group(wrong.side.GetDesignFactorCount());
+        std::iota(group.begin(), group.end(), 0ULL);
+        const std::vector<unsigned long long> other{group.size()};
+        DesignOptions options = Options(factors);
+        REDMUPOptions& plates = PlatesOf(options);
+        plates.GetVerticalDesign().factors = wrong.vertical ? group : other;
+        plates.GetHorizontalDesign().factors = wrong.vertical ? other : group;
+        plates.SetPlateSize(REDMUPOptions::Wells96, factors, true);
+        ASSERT_EQ(FailureOf(factors, options), "");
+        const auto set = wrong.vertical ? &REDMUPOptions::SetVerticalDesign
+                                        : &REDMUPOptions::SetHorizontalDesign;
+        ASSERT_TRUE(
+            (plates.*set)(factors, group, wrong.type, wrong.data, wrong.runs, 0, wrong.model));
+        EXPECT_EQ(FailureOf(factors, options),
+                  wrong.vertical ? "Unable to get the vertical design."
+                                 : "Unable to get the horizontal design.");
+    }
+}
+
+// Centre points of a family without a block column would hold block letters in its last factor.
+TEST(REDMUPFailures, SideHasBlocks) {
+    const TestFactors factors = TestFactors().MultilevelOf(3).Quantitatives(3);
+    for (const bool vertical : {true, false}) {
+        DesignOptions options = Options(factors);
+        REDMUPOptions& plates = PlatesOf(options);
+        auto& side = vertical ? plates.GetVerticalDesign() : plates.GetHorizontalDesign();
+        auto& other = vertical ? plates.GetHorizontalDesign() : plates.GetVerticalDesign();
+        side.factors = {0, 1, 2};
+        other.factors = {3};
+        plates.SetPlateSize(REDMUPOptions::Wells384, factors, true);
+        const auto set =
+            vertical ? &REDMUPOptions::SetVerticalDesign : &REDMUPOptions::SetHorizontalDesign;
+        ASSERT_TRUE((plates.*set)(factors, {0, 1, 2}, EDesign::L9, "", 9, 0, EModel::Linear));
+        EXPECT_EQ(FailureOf(factors, options), "");
+        for (const unsigned blocks : {2U, 4U}) {
+            side.options->SetBlocks(blocks);
+            EXPECT_EQ(FailureOf(factors, options),
+                      vertical ? "Unable to get the vertical design."
+                               : "Unable to get the horizontal design.")
+                << blocks << " blocks";
+        }
+    }
 }
 
 TEST(REDMUPFailures, RunOrderNamesRowsThatAreNotThere) {

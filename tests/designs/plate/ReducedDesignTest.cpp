@@ -138,6 +138,20 @@ TEST(ReducedDesign, RunsThatMakeABaseWithoutAListedRunGiveAnEmptyHandle) {
     }
 }
 
+// 12 runs less 4 leave 8; of a table of other runs the list would take others, or too few.
+TEST(ReducedDesign, RowListIsForTheRowsOwnTable) {
+    const auto builder = plate::BuilderNamed("FFM34b");
+    const plate::RowCase row = plate::RowNamed("FFM34b");
+    const TestFactors factors = TestFactors().Qualitative(3).Qualitative(4);
+    DesignOptions options = plate::SideOptions(*builder, factors, row);
+    EXPECT_EQ(Built(*builder, factors, options).SizeRows(), 8);
+    for (const unsigned runs : {6U, 7U, 9U}) {
+        options.SetRuns(runs);
+        options.SetCenterPoints(runs < 8 ? 8 - runs : 0);
+        EXPECT_EQ(builder->Build(factors, options), nullptr) << runs;
+    }
+}
+
 TEST(ReducedDesign, TooManyRunsAreRefusedBeforeTheyAreMade) {
     const ReducedDesign row = TwoByThree(8, false, {1, 6});
     const TestFactors factors = TwoByThreeFactors();

@@ -339,4 +339,13 @@ TEST(BalancedColumns, TheBoundIsThatOfTheColumnsBefore) {
     EXPECT_EQ(MakeLiterally(12, {3, 2, 2, 2}, 4).targets[3], LowestJ2(12, std::vector{3, 2, 2}));
 }
 
+// A table of all pairs would take terabytes.
+TEST(BalancedColumns, TwoColumnsNeedNoTableOfPairs) {
+    SeededSearch search;
+    const auto columns = MakeBalancedColumns(1'000'000, std::vector{3, 2}, 1000, search);
+    ASSERT_EQ(columns.size(), 2U);
+    EXPECT_EQ(columns[0].back(), 2);
+    EXPECT_EQ(columns[1].back(), 1);
+}
+
 }  // namespace

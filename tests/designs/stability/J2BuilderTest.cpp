@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "designs/stability/J2Options.h"
+#include "foundation/utl/Exceptions.h"
 #include "frame/AllDesigns.h"
 #include "frame/DesignOptions.h"
 #include "frame/NCDesign.h"
@@ -102,6 +105,20 @@ TEST(J2Builder, MinimumRunsFollowAnExplicitModel) {
     DesignOptions options = Request(factors, EObjective::Screening);
     FamilyOf(options).SetModel({{}, {0}, {1}, {0, 1}});
     EXPECT_EQ(Builder().MinimumRuns(factors, options), 1U + 1 + 1 + 3 + 3);
+}
+
+// The index behind the last factor is the block, which has no column of its own here.
+TEST(J2Builder, TermsOfFactorsThatDoNotExistAreRefused) {
+    const auto factors = Mixed();
+    const int count = static_cast<int>(factors.GetDesignFactorCount());
+    DesignOptions options = Request(factors, EObjective::Screening);
+    for (const int factor : {-1, count + 1, std::numeric_limits<int>::min(), 1'000'000}) {
+        FamilyOf(options).SetModel({{}, {0}, {1, factor}});
+        EXPECT_THROW((void)Builder().MinimumRuns(factors, options), InvalidOperationException);
+        EXPECT_THROW((void)Builder().IsValid(factors, options), InvalidOperationException);
+    }
+    FamilyOf(options).SetModel({{}, {0}, {count}});
+    EXPECT_NO_THROW((void)Builder().MinimumRuns(factors, options));
 }
 
 TEST(J2Builder, BlocksCountAsTheirCodingColumns) {

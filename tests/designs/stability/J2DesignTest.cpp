@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "designs/optimal/GenerateCandidateset.h"
 #include "designs/stability/BalancedColumns.h"
@@ -68,6 +69,32 @@ std::string ExceptionText(const std::function<void()>& call) {
     }
     return "no exception";
 }
+
+/// Notes the titles of all operations that begin during its life.
+class TitleDisplay {
+  public:
+    TitleDisplay() { NCProgress::SetDisplay(display_); }
+    TitleDisplay(const TitleDisplay&) = delete;
+    TitleDisplay& operator=(const TitleDisplay&) = delete;
+    ~TitleDisplay() { NCProgress::SetDisplay(nullptr); }
+
+    [[nodiscard]] const std::vector<std::string>& Titles() const { return display_->titles; }
+
+  private:
+    struct Display : NCProgressDisplay {
+        void Begin(const std::string& title, const std::string&, bool) override {
+            titles.push_back(title);
+        }
+        void Show(double, const std::string&) override {}
+        void Hide() override {}
+        void End() override {}
+        [[nodiscard]] bool IsBreakPressed() const override { return false; }
+
+        std::vector<std::string> titles;
+    };
+
+    std::shared_ptr<Display> display_ = std::make_shared<Display>();
+};
 
 std::map<float, int> CountsOf(const Table& table, int column) {
     std::map<float, int> counts;
@@ -144,6 +171,80 @@ TEST(J2Design, FewerThanTwoLevelsAreRefused) {
         EXPECT_EQ(ExceptionText([&] { static_cast<void>(Generate(factors, options)); }),
                   "A factor of a reduced combinatorial design needs 2 levels or more, not " +
                       std::to_string(levels) + ".");
+    }
+}
+
+TEST(J2Design, MoreThan255LevelsAreRefused) {
+    const auto factors = Mixed();
+    DesignOptions options = Request(factors, 12);
+    FamilyOf(options).SetLevels(255);
+    EXPECT_NO_THROW(static_cast<void>(Generate(factors, options)));
+    for (const int levels : {256, std::numeric_limits<int>::max()}) {
+        FamilyOf(options).SetLevels(levels);
+        EXPECT_EQ(ExceptionText([&] { static_cast<void>(Generate(factors, options)); }),
+                  "A continuous factor of a reduced combinatorial design has at most 255 levels, "
+                  "not " +
+                      std::to_string(levels) + ".");
+    }
+}
+
+TEST(J2Design, LevelsThatNoFactorTakesAreNotLookedAt) {
+    const auto factors = TestFactors().Qualitative(3).MultilevelOf(4);
+    DesignOptions options = Request(factors, 12);
+    for (const int levels : {-3, 0, 1, 1000}) {
+        FamilyOf(options).SetLevels(levels);
+        EXPECT_EQ(Generate(factors, options).GetDesignMatrix()->SizeRows(), 12) << levels;
+    }
+}
+
+TEST(J2Design, TermsOfFactorsThatDoNotExistAreRefused) {
+    const auto factors = Mixed();
+    DesignOptions options = Request(factors, 12);
+    for (const int factor : {-1, 6, std::numeric_limits<int>::min(), 1'000'000}) {
+        for (const auto& term : {std::vector{factor}, std::vector{0, factor}}) {
+            FamilyOf(options).SetModel({{}, {0}, {1}, term});
+            EXPECT_THROW(static_cast<void>(Generate(factors, options)), InvalidOperationException)
+                << factor;
+        }
+    }
+}
+
+TEST(J2Design, MoreThan10000RunsAreRefusedBeforeTheSearch) {
+    const auto factors = Mixed();
+    for (const auto& [runs, range] :
+         {std::pair{10'001U, 0}, {1'000'000U, 0}, {9'999U, 2}, {12U, 2'147'483'647}}) {
+        DesignOptions options = Request(factors, runs);
+        FamilyOf(options).SetRunRange(range);
+        const TitleDisplay display;
+        EXPECT_EQ(ExceptionText([&] { static_cast<void>(Generate(factors, options)); }),
+                  "The search for a reduced combinatorial design would reach " +
+                      std::to_string(static_cast<long long>(runs) + range) +
+                      " runs. It may have at most 10000 runs.");
+        EXPECT_THAT(display.Titles(), testing::IsEmpty());
+    }
+}
+
+// The largest design is asked for first: the smaller ones would be found, and lost.
+TEST(J2Design, ARunRangeBeyondAFinishedDesignIsRefusedBeforeTheSearch) {
+    const auto factors = Mixed();
+    DesignOptions options = Request(factors, 12);
+    options.SetReplicatedRuns(0);
+    options.SetCenterPoints(0);
+    options.SetReplicates(1'000'000 / 13 - 1);
+    FamilyOf(options).SetRunRange(2);
+    const TitleDisplay display;
+    EXPECT_THAT(ExceptionText([&] { static_cast<void>(Generate(factors, options)); }),
+                testing::HasSubstr("at most 1000000 runs"));
+    EXPECT_THAT(display.Titles(), testing::IsEmpty());
+}
+
+TEST(J2Design, ANegativeRunRangeFindsNoDesign) {
+    const auto factors = Mixed();
+    DesignOptions options = Request(factors, 12);
+    for (const int range : {-1, std::numeric_limits<int>::min()}) {
+        FamilyOf(options).SetRunRange(range);
+        EXPECT_EQ(ExceptionText([&] { static_cast<void>(Generate(factors, options)); }),
+                  "No design was found.");
     }
 }
 
@@ -502,6 +603,17 @@ TEST(J2Selection, AnIndexWithoutAResultChangesNothing) {
     }
 }
 
+TEST(J2Selection, AMovedDesignTakesItsResultsAlong) {
+    const auto factors = Mixed();
+    auto design = Generate(factors, Request(factors, 13, 4));
+    const auto* const results = design.GetResults().data();
+    const auto matrix = design.GetDesignMatrix();
+    const J2Design moved(std::move(design));
+    EXPECT_EQ(moved.GetResults().data(), results);
+    EXPECT_EQ(moved.GetResults().size(), 4U);
+    EXPECT_EQ(moved.GetDesignMatrix(), matrix);
+}
+
 // --- Failure and stopping -----------------------------------------------------------------------
 
 TEST(J2Design, OptionsOfAnotherFamilyAreAnInternalError) {
@@ -588,6 +700,14 @@ TEST(J2Design, AStopWhileGeneratingKeepsTheDesignsFoundBefore) {
     EXPECT_NE(design.GetDesignMatrix(), nullptr);
 }
 
+TEST(J2Design, ProgressHasItsTitle) {
+    const auto factors = Mixed();
+    const TitleDisplay display;
+    static_cast<void>(Generate(factors, Request(factors, 12)));
+    ASSERT_FALSE(display.Titles().empty());
+    EXPECT_EQ(display.Titles().front(), "Generating reduced combinatorial...");
+}
+
 TEST(J2Design, ProgressRunsToTheEnd) {
     const auto factors = Mixed();
     const SilentDisplay display;
@@ -618,6 +738,57 @@ TEST(J2Store, ResultsAreReadBackWithoutTheirRuns) {
     EXPECT_EQ(loaded.GetDesignMatrix(), nullptr);
     loaded.SelectDesign((loaded.GetSelectedIndex() + 1) % 6);
     EXPECT_EQ(loaded.GetDesignMatrix()->SizeRows(), 0);
+}
+
+TEST(J2Store, KeysAreThoseOfTheFormat) {
+    const auto factors = Mixed();
+    DesignOptions options = Request(factors, 12, 2);
+    options.SetReplicatedRuns(2);
+    auto design = Generate(factors, options);
+    design.SelectDesign(0);
+    design.SelectDesign(1);
+    ConfigurationStore store;
+    design.Save(store.OpenRoot().get());
+    FamilyOf(options).Save(store.OpenRoot().get());
+    const auto own = store.OpenRoot()->OpenSection("Design")->OpenSection("J2Design");
+    ASSERT_NE(own, nullptr);
+    ASSERT_EQ(own->SectionCount("Result"), 2);
+    const auto number = [](const auto& section, const char* key) {
+        int value = -1000;
+        EXPECT_TRUE(section->ReadInt(key, &value)) << key;
+        return value;
+    };
+    EXPECT_EQ(number(own->OpenSection("Result", 2), "ReplicatedRuns"), 2);
+    EXPECT_EQ(number(own, "ExtVert"), 3 * 4 * 8);
+    EXPECT_EQ(number(own, "NumEdges"), design.GetNumData().NumEdges);
+    EXPECT_EQ(number(own, "NumHiDimCent"), design.GetNumData().NumHiDimCent);
+    EXPECT_EQ(number(own, "SelectedDesign"), 1);
+    EXPECT_EQ(number(own, "DesignType"), 37);
+    const auto family = store.OpenRoot()->OpenSection("DesignSpecificOptions");
+    ASSERT_NE(family, nullptr);
+    EXPECT_EQ(number(family->OpenSection("J2Options"), "Levels"), 2);
+}
+
+TEST(J2Store, AnotherTypeIsReadBack) {
+    const auto factors = Mixed();
+    ConfigurationStore store;
+    J2Design(EDesign::DefinitiveScreening, factors, Request(factors, 12), nullptr)
+        .Save(store.OpenRoot().get());
+    EXPECT_EQ(J2Design(factors, *store.OpenRoot()).IsDesign(), EDesign::DefinitiveScreening);
+}
+
+TEST(J2Store, LoadingLeavesNothingOfAnEarlierDesign) {
+    const auto factors = Mixed();
+    auto design = Generate(factors, Request(factors, 12, 3));
+    design.SelectDesign(0);
+    design.SelectDesign(2);
+    ConfigurationStore store;
+    store.OpenRoot()->OpenOrCreateSection("Design")->OpenOrCreateSection("J2Design");
+    ASSERT_TRUE(design.Load(store.OpenRoot().get()));
+    EXPECT_EQ(design.GetResults().size(), 0U);
+    EXPECT_EQ(design.GetSelectedIndex(), 0);
+    EXPECT_EQ(design.GetNumData(), DOpt::NumData());
+    EXPECT_EQ(design.GetDesignMatrix(), nullptr);
 }
 
 TEST(J2Store, FewerResultsReplaceMore) {

@@ -596,4 +596,22 @@ TEST(StabilityDesignBuilder, MakesTheOptionsOfItsType) {
               nullptr);
 }
 
+TEST_F(StabilityDesignTest, RunsThatAreTooManyAreTold) {
+    const TestFactors factors = TestFactors().Quantitatives(22);
+    try {
+        const StabilityDesign design(
+            EDesign::Stability, factors, StabilityRequest(factors, {{1, 1}}));
+        FAIL();
+    } catch (const Exception& exception) {
+        EXPECT_STREQ(exception.what(),
+                     "The design sets would have 4194304 runs. They may have at most 1000000 runs "
+                     "in all.");
+    }
+}
+
+TEST_F(StabilityDesignTest, UniqueSetsStandByReductionAndIndex) {
+    const StabilityDesign design = MakeStability({{3, 3}, {1, 1}, {3, 1}, {3, 3}, {1, 1}});
+    EXPECT_EQ(design.GetUniqueUsedDesignsets(), (Pairs{{1, 1}, {3, 1}, {3, 3}}));
+}
+
 }  // namespace
