@@ -1,5 +1,6 @@
-// All families of the registry: the default designs of 2 to 20 factors, each family's largest one,
-// and the alias structure of a fraction.
+// All classical families of the registry: the default designs of 2 to 20 factors, each family's
+// largest one, and the alias structure of a fraction. Designs that are searched for have programs
+// of their own.
 
 #include <benchmark/benchmark.h>
 
@@ -19,6 +20,11 @@ namespace {
 
 constexpr int cFewestFactors = 2;
 constexpr int cMostFactors = 20;
+
+bool IsSearched(const DesignBuilder& builder) {
+    const EDesign::Type type = builder.IsDesign();
+    return type == EDesign::DOpt || type == EDesign::OnionDOpt || type == EDesign::J2;
+}
 
 // A default design that is ready to be built.
 struct Ready {
@@ -85,7 +91,8 @@ void Register(const std::string& name, const std::vector<Ready>& designs) {
 bool RegisterFamilies() {
     std::vector<Ready> all;
     for (const auto& builder : AllDesigns::ClassicDesigns().GetAllDesigns()) {
-        const std::vector<Ready> designs = DefaultDesigns(builder);
+        const std::vector<Ready> designs =
+            IsSearched(*builder) ? std::vector<Ready>() : DefaultDesigns(builder);
         if (designs.empty()) {
             continue;
         }
